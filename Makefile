@@ -1,0 +1,32 @@
+# The two commands of the README: `make run` and `make test`. Both install what they need first.
+PRESET ?= default
+BUILD := build
+
+.PHONY: setup build run test bench format format-check clean
+
+setup:
+	@tools/setup
+
+build: setup
+	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(PRESET)
+	@cmake --build $(BUILD)
+
+run: build
+	@tools/run-agent $(BUILD)/velmora
+
+test: setup
+	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(if $(CI),ci,$(PRESET))
+	@cmake --build $(BUILD)
+	@tools/check-format
+	@cd $(BUILD) && ctest --output-on-failure --timeout 300
+
+bench: setup
+	@[ -f build-bench/build.ninja ] || cmake --preset bench
+	@cmake --build build-bench
+	@for b in build-bench/bench/bench_*; do [ -x "$$b" ] && "$$b"; done
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) build-bench

@@ -1,0 +1,120 @@
+#include "app/AppDelegate.h"
+
+#include "core/MainThread.h"
+#include "ui/AppIcon.h"
+#include "ui/DeveloperPreferencesPage.h"
+#include "ui/DropDownPanelView.h"
+#include "ui/GeneralPreferencesPage.h"
+#include "ui/PreferencesWindow.h"
+#include "ui/WelcomeView.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QScreen>
+#include <QTimer>
+
+namespace velmora {
+
+AppDelegate::AppDelegate(Platform& platform, QProcessEnvironment environment, QObject* parent)
+    : QObject(parent), m_platform(platform), m_environment(std::move(environment)),
+      m_logging([this] { return m_preferences && m_preferences->local.developerLogsEnabled(); }) {}
+
+AppDelegate::~AppDelegate() {
+    delete m_preferencesWindow;
+}
+
+// Start-up, in its fixed order. Each area inserts its step where it belongs.
+void AppDelegate::applicationDidFinishLaunching() {
+    assertMainThread("AppDelegate::applicationDidFinishLaunching");
+    // A design-time preview host must get no status items, timers or input tap.
+    if (m_environment.value("XCODE_RUNNING_FOR_PREVIEWS") == "1") {
+        m_startupSteps << "previewHostStop";
+        return;
+    }
+    createPreferences();
+    createStatusItems();
+    showWelcomeWindowIfNeeded();
+}
+
+void AppDelegate::applicationWillTerminate() {
+    assertMainThread("AppDelegate::applicationWillTerminate");
+    m_startupSteps << "terminate";
+    // Preferences are written as they change; nothing else is held that must outlive the process.
+}
+
+void AppDelegate::createPreferences() {
+    m_preferences = std::make_unique<UserPreferences>(*m_platform.defaults, m_logging);
+    m_startupSteps << "preferences";
+}
+
+void AppDelegate::createStatusItems() {
+    m_menubarPopover = std::make_unique<MenubarPopover>(*m_platform.screens, *m_platform.keyboardLayout,
+                                                        [this] { return makeDropDownPanel(); });
+    m_contextMenu = std::make_unique<QMenu>();
+    m_contextMenu->addAction("Open Velmora", this, [this] { m_menubarPopover->show(); });
+    m_contextMenu->addAction("Preferences…", this, [this] { openPreferences(); });
+    m_contextMenu->addSeparator();
+    m_contextMenu->addAction("Quit Velmora", this, [this] { quit(); });
+    m_menubarPopover->setUp(m_contextMenu.get());
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        VELMORA_LOG(m_logging, LogContext::Default, LogLevel::Info,
+                    "No system tray is running; the status icon appears once one starts.");
+    m_startupSteps << "statusItems";
+}
+
+QWidget* AppDelegate::makeDropDownPanel() {
+    auto* view = new DropDownPanelView();
+    view->addAction("Preferences…", [this] {
+        m_menubarPopover->windowController().close();
+        openPreferences();
+    });
+    view->addStretch();
+    view->addAction("Quit Velmora", [this] { quit(); });
+    return view;
+}
+
+void AppDelegate::showWelcomeWindowIfNeeded() {
+    // Someone who ran an earlier version has been welcomed already.
+    const bool ranBefore = m_platform.defaults->value("LastUsedVersion").has_value() &&
+                           m_platform.defaults->value("LastUsedVersion")->typeId() == QMetaType::QString;
+    m_welcomeSeen = std::make_unique<UserDefaultsObservable>("WelcomeWindowSeen:V26", *m_platform.defaults,
+                                                             QVariant(ranBefore));
+    m_welcomeController = std::make_unique<StandardWindowController>(
+        *m_platform.keyboardLayout, QString("Welcome to Velmora"), StandardWindowPreset::welcomeWindow(),
+        [this] { return new WelcomeView([this] { m_welcomeController->close(); }); });
+    m_welcomeController->onClose = [this] { m_welcomeSeen->setValue(true); };
+    m_startupSteps << "welcome";
+
+    if (m_welcomeSeen->value().toBool())
+        return;
+    QRect frame(0, 0, 630, 390);
+    if (auto* screen = QGuiApplication::primaryScreen())
+        frame.moveCenter(screen->availableGeometry().center());
+    m_welcomeController->show(Rect::fromQRect(frame));
+}
+
+void AppDelegate::openPreferences() {
+    assertMainThread("AppDelegate::openPreferences");
+    if (!m_preferences)
+        return;
+    if (!m_preferencesWindow) {
+        m_preferencesWindow = new PreferencesWindow();
+        m_preferencesWindow->addPage("General", new GeneralPreferencesPage(*m_preferences));
+        m_preferencesWindow->addPage("Developer", new DeveloperPreferencesPage(*m_preferences, m_logging));
+        if (auto* screen = QGuiApplication::primaryScreen()) {
+            QRect frame = m_preferencesWindow->geometry();
+            frame.moveCenter(screen->availableGeometry().center());
+            m_preferencesWindow->move(frame.topLeft());
+        }
+    }
+    m_preferencesWindow->show();
+    m_preferencesWindow->raise();
+    m_preferencesWindow->activateWindow();
+}
+
+void AppDelegate::quit() {
+    // Leave the current event first, so a reply to the caller (a click, the command line) goes out.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+}
+
+} // namespace velmora

@@ -1,0 +1,201 @@
+#include "app/ControlCommands.h"
+
+#include "Version.h"
+#include "app/AppDelegate.h"
+#include "ui/PreferencesWindow.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace velmora {
+
+namespace {
+
+Json rectJson(const QRect& r) { return Json::array({r.x(), r.y(), r.width(), r.height()}); }
+
+Json windowJson(QWidget* w) {
+    Json j = Json::object();
+    j["open"] = w && w->isVisible();
+    if (w && w->isVisible())
+        j["frame"] = rectJson(w->geometry());
+    return j;
+}
+
+std::optional<QVariant> localValueFromJson(const Json& j, QMetaType::Type type) {
+    if (type == QMetaType::Bool && j.is_boolean())
+        return QVariant(j.get<bool>());
+    if (type == QMetaType::Double && j.is_number())
+        return QVariant(j.get<double>());
+    if (type == QMetaType::QString && j.is_string())
+        return QVariant(QString::fromStdString(j.get<std::string>()));
+    return std::nullopt;
+}
+
+Json localValueToJson(const QVariant& v) {
+    switch (v.typeId()) {
+    case QMetaType::Bool: return v.toBool();
+    case QMetaType::Double: return v.toDouble();
+    default: return v.toString().toStdString();
+    }
+}
+
+} // namespace
+
+QString ControlCommands::usage() {
+    return "usage: velmora [COMMAND]\n"
+           "  (no command)            start the agent\n"
+           "  status                  version, pid and whether the desktop can be used\n"
+           "  prefs list              the preference keys\n"
+           "  prefs get KEY           a preference record as JSON\n"
+           "  prefs set KEY JSON      replace a preference record (checked first)\n"
+           "  logs export PATH        write the kept log entries as JSON\n"
+           "  panel [show|hide|toggle] the drop-down panel\n"
+           "  preferences             open the preferences window\n"
+           "  quit                    stop the agent\n";
+}
+
+ControlReply ControlCommands::handle(const QStringList& args) {
+    const QString command = args.value(0);
+    if (command == "status" && args.size() == 1)
+        return status();
+    if (command == "prefs" && args.value(1) == "list" && args.size() == 2)
+        return prefsList();
+    if (command == "prefs" && args.value(1) == "get" && args.size() == 3)
+        return prefsGet(args[2]);
+    if (command == "prefs" && args.value(1) == "set" && args.size() == 4)
+        return prefsSet(args[2], args[3]);
+    if (command == "logs" && args.value(1) == "export" && args.size() == 3)
+        return logsExport(args[2]);
+    if (command == "panel" && args.size() <= 2)
+        return panel(args.value(1, "toggle"));
+    if (command == "preferences" && args.size() == 1)
+        return preferences();
+    if (command == "quit" && args.size() == 1)
+        return quit();
+    return ControlReply::failure(QString("unknown command \"%1\"; see velmora --help").arg(args.join(' ')));
+}
+
+ControlReply ControlCommands::status() {
+    Json j = Json::object();
+    j["version"] = kVersion;
+    j["pid"] = QCoreApplication::applicationPid();
+    const PermissionState permission = m_app.platform().permission->check();
+    j["platform"] = {{"usable", permission.trusted}};
+    if (!permission.trusted)
+        j["platform"]["reason"] = permission.reason;
+    j["startup"] = Json::array();
+    for (const auto& step : m_app.startupSteps())
+        j["startup"].push_back(step);
+    if (auto* popover = m_app.menubarPopover(); popover && popover->mainStatusItem()) {
+        auto& item = popover->mainStatusItem()->statusItem();
+        const QRect geometry = item.geometry();
+        j["statusItem"] = {{"visible", item.isVisible()}, {"embedded", !geometry.isEmpty()}};
+        if (!geometry.isEmpty())
+            j["statusItem"]["geometry"] = rectJson(geometry);
+        j["monitoringItem"] = {{"visible", popover->systemMonitoringItem()->statusItem().isVisible()}};
+        j["panel"] = windowJson(popover->windowController().window());
+    }
+    if (auto* welcome = m_app.welcomeWindowController())
+        j["welcomeWindow"] = windowJson(welcome->window());
+    j["preferencesWindow"] = windowJson(m_app.preferencesWindow());
+    return ControlReply::success(j);
+}
+
+ControlReply ControlCommands::prefsList() {
+    auto* prefs = m_app.preferences();
+    if (!prefs)
+        return ControlReply::failure("preferences are not loaded");
+    Json keys = Json::array();
+    for (auto* record : prefs->records())
+        keys.push_back(record->key());
+    for (const auto& key : LocalUserPreferences::keys())
+        keys.push_back(key);
+    return ControlReply::success(keys);
+}
+
+ControlReply ControlCommands::prefsGet(const QString& key) {
+    auto* prefs = m_app.preferences();
+    if (!prefs)
+        return ControlReply::failure("preferences are not loaded");
+    if (auto* record = prefs->record(key)) {
+        const QByteArray data = record->data();
+        if (record->isOptional()) // raw image data
+            return ControlReply::success(data.isEmpty() ? Json(nullptr) : Json(data.toBase64().toStdString()));
+        return ControlReply::success(Json::parse(data.toStdString()));
+    }
+    if (LocalUserPreferences::keys().contains(key))
+        return ControlReply::success(localValueToJson(prefs->local.value(key)));
+    return ControlReply::failure(QString("no preference named \"%1\" (see velmora prefs list)").arg(key));
+}
+
+ControlReply ControlCommands::prefsSet(const QString& key, const QString& text) {
+    auto* prefs = m_app.preferences();
+    if (!prefs)
+        return ControlReply::failure("preferences are not loaded");
+    Json value;
+    try {
+        value = Json::parse(text.toStdString());
+    } catch (const Json::parse_error& e) {
+        return ControlReply::failure(QString("not JSON: %1").arg(e.what()));
+    }
+    if (auto* record = prefs->record(key)) {
+        QByteArray data;
+        if (record->isOptional()) {
+            if (!value.is_null() && !value.is_string())
+                return ControlReply::failure(key + " takes a base64 string or null");
+            data = value.is_null() ? QByteArray() : QByteArray::fromBase64(value.get<std::string>().c_str());
+        } else {
+            data = QByteArray::fromStdString(value.dump());
+        }
+        QString error;
+        if (!record->assignData(data, &error))
+            return ControlReply::failure(QString("%1 does not accept that value: %2").arg(key, error));
+        return prefsGet(key);
+    }
+    if (LocalUserPreferences::keys().contains(key)) {
+        const auto type = LocalUserPreferences::typeOf(key);
+        const auto v = localValueFromJson(value, type);
+        if (!v)
+            return ControlReply::failure(QString("%1 takes a %2").arg(key, QMetaType(type).name()));
+        m_app.platform().defaults->setValue(key, *v);
+        return prefsGet(key);
+    }
+    return ControlReply::failure(QString("no preference named \"%1\" (see velmora prefs list)").arg(key));
+}
+
+ControlReply ControlCommands::logsExport(const QString& path) {
+    QString error;
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    if (!m_app.logging().exportTo(absolute, &error))
+        return ControlReply::failure(QString("could not write %1: %2").arg(absolute, error));
+    return ControlReply::success({{"path", absolute}, {"entries", m_app.logging().entries().size()}});
+}
+
+ControlReply ControlCommands::panel(const QString& how) {
+    auto* popover = m_app.menubarPopover();
+    if (!popover)
+        return ControlReply::failure("the status items are not set up");
+    if (how == "show")
+        popover->show();
+    else if (how == "hide")
+        popover->windowController().close();
+    else if (how == "toggle")
+        popover->toggle();
+    else
+        return ControlReply::failure("panel takes show, hide or toggle");
+    if (how == "show" && !popover->windowController().isShown())
+        return ControlReply::failure("the panel cannot drop down: the status icon is not in a tray");
+    return ControlReply::success({{"open", popover->windowController().isShown()}});
+}
+
+ControlReply ControlCommands::preferences() {
+    m_app.openPreferences();
+    return ControlReply::success({{"open", m_app.preferencesWindow() != nullptr}});
+}
+
+ControlReply ControlCommands::quit() {
+    m_app.quit();
+    return ControlReply::success({{"quitting", true}});
+}
+
+} // namespace velmora

@@ -1,0 +1,105 @@
+// The composition root: picks the X11 backend, builds the platform and starts the agent, or acts as
+// the agent's command-line client when given a command.
+#include "Version.h"
+#include "app/AppDelegate.h"
+#include "app/ControlClient.h"
+#include "app/ControlCommands.h"
+#include "app/ControlServer.h"
+#include "platform/linux/ProcessCommands.h"
+#include "platform/linux/SettingsDefaults.h"
+#include "platform/linux/TerminationSignals.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11Permission.h"
+#include "platform/x11/X11Screens.h"
+
+#include <QApplication>
+#include <cstdio>
+
+using namespace velmora;
+
+namespace {
+
+int runClient(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QStringList args = app.arguments().mid(1);
+    if (args.value(0) == "--help" || args.value(0) == "-h" || args.value(0) == "help") {
+        std::fputs(ControlCommands::usage().toUtf8().constData(), stdout);
+        return 0;
+    }
+    return ControlClient::run(args);
+}
+
+// Only an X11 display will do; say plainly what is missing instead of letting the toolkit abort.
+bool hasX11Display() {
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return true;
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        std::fputs("velmora: this is a Wayland session without X11; Velmora needs an X11 desktop for now.\n",
+                   stderr);
+    else
+        std::fputs("velmora: no X display (DISPLAY is not set). Run it on an X11 desktop, or use `make run`, "
+                   "which starts a virtual one.\n",
+                   stderr);
+    return false;
+}
+
+Platform makeX11Platform() {
+    const auto x = X11Connection::fromApplication();
+    Platform platform;
+    platform.defaults = std::make_unique<SettingsDefaults>();
+    platform.permission = std::make_unique<X11Permission>(x);
+    platform.commands = std::make_unique<ProcessCommands>();
+    platform.keyboardLayout = std::make_unique<X11KeyboardLayout>();
+    if (x)
+        platform.screens = std::make_unique<X11Screens>(*x);
+    return platform;
+}
+
+int runAgent(int argc, char** argv) {
+    if (!hasX11Display())
+        return 1;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("Velmora");
+    QApplication::setOrganizationName("Velmora");
+    QApplication::setApplicationVersion(kVersion);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    if (const auto running = ControlClient::request({"status"}, 1000); running && running->ok) {
+        std::printf("Velmora is already running (pid %lld).\n",
+                    static_cast<long long>(running->result.value("pid", 0LL)));
+        return 0;
+    }
+
+    Platform platform = makeX11Platform();
+    if (!platform.screens) {
+        std::fputs("velmora: cannot reach the X server.\n", stderr);
+        return 1;
+    }
+    AppDelegate delegate(platform, QProcessEnvironment::systemEnvironment());
+    ControlCommands commands(delegate);
+    ControlServer server(commands);
+    QString error;
+    if (!server.listen(&error))
+        std::fprintf(stderr, "velmora: the command line will not reach this agent: %s\n",
+                     error.toUtf8().constData());
+    TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::terminationRequested, &delegate, &AppDelegate::quit);
+
+    delegate.applicationDidFinishLaunching();
+    std::printf("Velmora %s is running (pid %lld).\n", QApplication::applicationVersion().toUtf8().constData(),
+                static_cast<long long>(QApplication::applicationPid()));
+    std::fflush(stdout);
+    const int code = app.exec();
+    delegate.applicationWillTerminate();
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1)
+        return runClient(argc, argv);
+    return runAgent(argc, argv);
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+#include <optional>
+
+namespace velmora {
+
+// The user's defaults database: typed entries under string keys. Changes made by this process and by
+// others (another instance, the user editing the file) are both announced through valueChanged.
+class Defaults : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    ~Defaults() override = default;
+
+    virtual std::optional<QVariant> value(const QString& key) const = 0;
+    virtual void setValue(const QString& key, const QVariant& value) = 0;
+    virtual void remove(const QString& key) = 0;
+
+signals:
+    void valueChanged(const QString& key);
+};
+
+} // namespace velmora

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Commands.h"
+#include "platform/Defaults.h"
+#include "platform/KeyboardLayout.h"
+#include "platform/Permission.h"
+#include "platform/Screens.h"
+
+#include <memory>
+
+namespace velmora {
+
+// The services of one backend, built by main() (or a test) and handed down to the app.
+struct Platform {
+    std::unique_ptr<Defaults> defaults;
+    std::unique_ptr<Screens> screens;
+    std::unique_ptr<Permission> permission;
+    std::unique_ptr<Commands> commands;
+    std::unique_ptr<KeyboardLayout> keyboardLayout;
+};
+
+} // namespace velmora

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/ScreenInfo.h"
+
+#include <optional>
+#include <vector>
+
+namespace velmora {
+
+// The monitors of the desktop, in the screen space (bottom-left origin relative to the primary
+// screen). The visible frame leaves out what docks and panels reserve.
+class Screens {
+public:
+    virtual ~Screens() = default;
+
+    virtual std::vector<ScreenInfo> screens() const = 0;
+    // The screen the user is working on: the one holding the focused window, else the one under
+    // the pointer. Absent only when there are no screens at all.
+    virtual std::optional<ScreenInfo> mainScreen() const = 0;
+};
+
+} // namespace velmora

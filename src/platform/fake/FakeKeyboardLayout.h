@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/KeyboardLayout.h"
+
+namespace velmora {
+
+// A US layout for the few keys the tests press.
+class FakeKeyboardLayout final : public KeyboardLayout {
+public:
+    KeyEvent translate(const QKeyEvent& event) const override;
+};
+
+} // namespace velmora

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/fake/FakeCommands.h"
+#include "platform/fake/FakeDefaults.h"
+#include "platform/fake/FakeKeyboardLayout.h"
+#include "platform/fake/FakePermission.h"
+#include "platform/fake/FakeScreens.h"
+
+namespace velmora {
+
+// An in-memory desktop: one 1440 x 900 screen with a 25-point panel on top, unless a test says more.
+struct FakePlatform {
+    Platform platform;
+    FakeDefaults* defaults;
+    FakeScreens* screens;
+    FakePermission* permission;
+    FakeCommands* commands;
+
+    FakePlatform() {
+        auto d = std::make_unique<FakeDefaults>();
+        auto s = std::make_unique<FakeScreens>();
+        auto p = std::make_unique<FakePermission>();
+        auto c = std::make_unique<FakeCommands>();
+        defaults = d.get();
+        screens = s.get();
+        permission = p.get();
+        commands = c.get();
+        s->all.push_back({"fake-0", {0, 0, 1440, 900}, {0, 0, 1440, 875}, 1});
+        platform.defaults = std::move(d);
+        platform.screens = std::move(s);
+        platform.permission = std::move(p);
+        platform.commands = std::move(c);
+        platform.keyboardLayout = std::make_unique<FakeKeyboardLayout>();
+    }
+};
+
+} // namespace velmora

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/x11/XcbPtr.h"
+
+#include <QByteArray>
+#include <xcb/xcb.h>
+
+#include <optional>
+#include <vector>
+
+namespace velmora {
+
+// The toolkit's own X connection and the small helpers every X11 service needs.
+class X11Connection {
+public:
+    // Absent when the application does not run on X11.
+    static std::optional<X11Connection> fromApplication();
+
+    xcb_connection_t* connection() const { return m_connection; }
+    xcb_window_t root() const { return m_root; }
+
+    xcb_atom_t atom(const char* name) const;
+    std::vector<std::uint32_t> cardinals(xcb_window_t window, xcb_atom_t property) const;
+    std::optional<xcb_window_t> windowProperty(xcb_window_t window, xcb_atom_t property) const;
+
+private:
+    X11Connection(xcb_connection_t* c, xcb_window_t root) : m_connection(c), m_root(root) {}
+
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root;
+};
+
+} // namespace velmora

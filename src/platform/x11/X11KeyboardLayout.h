@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/KeyboardLayout.h"
+
+namespace velmora {
+
+class X11KeyboardLayout final : public KeyboardLayout {
+public:
+    KeyEvent translate(const QKeyEvent& event) const override;
+};
+
+} // namespace velmora

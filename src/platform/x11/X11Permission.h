@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/Permission.h"
+#include "platform/x11/X11Connection.h"
+
+#include <optional>
+
+namespace velmora {
+
+// On X11 nothing is granted by the user: the agent can work when the server offers the input and
+// screen extensions it uses and an EWMH window manager is running.
+class X11Permission final : public Permission {
+public:
+    explicit X11Permission(std::optional<X11Connection> x) : m_x(x) {}
+    PermissionState check() override;
+
+private:
+    bool windowManagerIsEwmh() const;
+
+    std::optional<X11Connection> m_x;
+};
+
+} // namespace velmora

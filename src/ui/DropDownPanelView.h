@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+class QVBoxLayout;
+
+namespace velmora {
+
+// The content of the drop-down panel: a header and a column of actions that each area adds to.
+class DropDownPanelView : public QWidget {
+    Q_OBJECT
+public:
+    explicit DropDownPanelView(QWidget* parent = nullptr);
+
+    void addAction(const QString& title, std::function<void()> action);
+    void addStretch();
+
+private:
+    QVBoxLayout* m_actions;
+};
+
+} // namespace velmora
