@@ -88,7 +88,8 @@ int runAgent(int argc, char** argv) {
     QObject::connect(&termination, &TerminationSignals::terminationRequested, &delegate, &AppDelegate::quit);
 
     delegate.applicationDidFinishLaunching();
-    std::printf("Velmora %s is running (pid %lld).\n", QApplication::applicationVersion().toUtf8().constData(),
+    std::printf("Velmora %s is running (pid %lld).\n",
+                QApplication::applicationVersion().toUtf8().constData(),
                 static_cast<long long>(QApplication::applicationPid()));
     std::fflush(stdout);
     const int code = app.exec();

@@ -16,7 +16,6 @@ class QMenu;
 
 namespace velmora {
 
-
 // Owns start-up and shut-down, and the shared objects every area is handed.
 class AppDelegate : public QObject {
     Q_OBJECT

@@ -18,7 +18,8 @@ void CKValueObservableBase::loadLocalValue() {
         return; // never written: the default stands
     std::optional<QByteArray> data;
     if (stored)
-        data = stored->typeId() == QMetaType::QByteArray ? stored->toByteArray() : stored->toString().toUtf8();
+        data =
+            stored->typeId() == QMetaType::QByteArray ? stored->toByteArray() : stored->toString().toUtf8();
     QString error;
     if (!publishDecoded(data, &error)) {
         VELMORA_LOG(m_log, LogContext::Default, LogLevel::Error,

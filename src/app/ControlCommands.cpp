@@ -11,7 +11,9 @@ namespace velmora {
 
 namespace {
 
-Json rectJson(const QRect& r) { return Json::array({r.x(), r.y(), r.width(), r.height()}); }
+Json rectJson(const QRect& r) {
+    return Json::array({r.x(), r.y(), r.width(), r.height()});
+}
 
 Json windowJson(QWidget* w) {
     Json j = Json::object();
@@ -33,9 +35,12 @@ std::optional<QVariant> localValueFromJson(const Json& j, QMetaType::Type type) 
 
 Json localValueToJson(const QVariant& v) {
     switch (v.typeId()) {
-    case QMetaType::Bool: return v.toBool();
-    case QMetaType::Double: return v.toDouble();
-    default: return v.toString().toStdString();
+    case QMetaType::Bool:
+        return v.toBool();
+    case QMetaType::Double:
+        return v.toDouble();
+    default:
+        return v.toString().toStdString();
     }
 }
 
@@ -120,7 +125,8 @@ ControlReply ControlCommands::prefsGet(const QString& key) {
     if (auto* record = prefs->record(key)) {
         const QByteArray data = record->data();
         if (record->isOptional()) // raw image data
-            return ControlReply::success(data.isEmpty() ? Json(nullptr) : Json(data.toBase64().toStdString()));
+            return ControlReply::success(data.isEmpty() ? Json(nullptr)
+                                                        : Json(data.toBase64().toStdString()));
         return ControlReply::success(Json::parse(data.toStdString()));
     }
     if (LocalUserPreferences::keys().contains(key))

@@ -16,17 +16,25 @@ LocalUserPreferences::LocalUserPreferences(Defaults& defaults, QObject* parent)
     });
 }
 
-QString LocalUserPreferences::userId() const { return m_defaults.value("UserId").value_or(QString()).toString(); }
+QString LocalUserPreferences::userId() const {
+    return m_defaults.value("UserId").value_or(QString()).toString();
+}
 
-void LocalUserPreferences::setUserId(const QString& id) { m_defaults.setValue("UserId", id); }
+void LocalUserPreferences::setUserId(const QString& id) {
+    m_defaults.setValue("UserId", id);
+}
 
 double LocalUserPreferences::autoUpdateLastCheckTime() const {
     return m_defaults.value("AutoUpdateLastCheckTime").value_or(0.0).toDouble();
 }
 
 const QStringList& LocalUserPreferences::keys() {
-    static const QStringList k{"UserId",         "LaunchOnStart",           "DeveloperLogsEnabled",
-                               "WindowManagerEnabled", "ClipboardHistoryEnabled", "AutoUpdateLastCheckTime"};
+    static const QStringList k{"UserId",
+                               "LaunchOnStart",
+                               "DeveloperLogsEnabled",
+                               "WindowManagerEnabled",
+                               "ClipboardHistoryEnabled",
+                               "AutoUpdateLastCheckTime"};
     return k;
 }
 

@@ -23,7 +23,9 @@ public:
     bool clipboardHistoryEnabled() const { return boolValue("ClipboardHistoryEnabled", true); }
     void setClipboardHistoryEnabled(bool on) { m_defaults.setValue("ClipboardHistoryEnabled", on); }
     double autoUpdateLastCheckTime() const;
-    void setAutoUpdateLastCheckTime(double seconds) { m_defaults.setValue("AutoUpdateLastCheckTime", seconds); }
+    void setAutoUpdateLastCheckTime(double seconds) {
+        m_defaults.setValue("AutoUpdateLastCheckTime", seconds);
+    }
 
     // The defaults keys in field order, and their types, for the command line.
     static const QStringList& keys();

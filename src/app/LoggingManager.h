@@ -39,5 +39,5 @@ private:
 } // namespace velmora
 
 // Appends an entry naming the calling function and line, as support expects to find them.
-#define VELMORA_LOG(manager, context, level, description)                                              \
+#define VELMORA_LOG(manager, context, level, description)                                                    \
     (manager).append((context), (level), QStringLiteral("%1()").arg(__func__), __LINE__, (description))

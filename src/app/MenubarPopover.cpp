@@ -20,7 +20,8 @@ void MenubarPopover::setUp(QMenu* contextMenu) {
     m_mainStatusItem = std::make_unique<DynamicStatusItem>("Velmora", appIcon());
     connect(&m_mainStatusItem->statusItem(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger)
+                // Two quick clicks arrive as Trigger then DoubleClick: each click toggles.
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
                     toggle();
             });
     if (contextMenu)
@@ -57,7 +58,8 @@ void MenubarPopover::show() {
         screen = m_screens.mainScreen();
     if (!screen)
         return;
-    const Rect frame = constrainedToScreen(dropDownPanelFrame(F, screen->visibleFrame, screen->frame), screen->frame);
+    const Rect frame =
+        constrainedToScreen(dropDownPanelFrame(F, screen->visibleFrame, screen->frame), screen->frame);
 
     m_windowController.show(frame.flipped(H));
 }

@@ -4,7 +4,9 @@ namespace velmora {
 
 namespace {
 
-QByteArray iconToData(const std::optional<QByteArray>& icon) { return icon.value_or(QByteArray()); }
+QByteArray iconToData(const std::optional<QByteArray>& icon) {
+    return icon.value_or(QByteArray());
+}
 
 // The icon is the one optional value: absent data is a valid "no icon".
 std::optional<std::optional<QByteArray>> iconFromData(const std::optional<QByteArray>& data, QString*) {
@@ -16,9 +18,8 @@ std::optional<std::optional<QByteArray>> iconFromData(const std::optional<QByteA
 } // namespace
 
 UserPreferences::UserPreferences(Defaults& defaults, LoggingManager& log, QObject* parent)
-    : QObject(parent),
-      basic("BasicPreferences", {}, false, encodeRecord<BasicPreferences>, decodeRecord<BasicPreferences>,
-            defaults, log, this),
+    : QObject(parent), basic("BasicPreferences", {}, false, encodeRecord<BasicPreferences>,
+                             decodeRecord<BasicPreferences>, defaults, log, this),
       windowManager("WindowManagerPreferences", {}, false, encodeRecord<WindowManagerPreferences>,
                     decodeRecord<WindowManagerPreferences>, defaults, log, this),
       clipboard("ClipboardPreferences", {}, false, encodeRecord<ClipboardPreferences>,

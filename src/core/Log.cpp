@@ -20,13 +20,25 @@ template <class E, std::size_t N> E caseFromName(const std::array<const char*, N
 
 } // namespace
 
-const char* caseName(LogLevel level) { return kLevels[static_cast<std::size_t>(level)]; }
-const char* caseName(LogContext context) { return kContexts[static_cast<std::size_t>(context)]; }
+const char* caseName(LogLevel level) {
+    return kLevels[static_cast<std::size_t>(level)];
+}
+const char* caseName(LogContext context) {
+    return kContexts[static_cast<std::size_t>(context)];
+}
 
-void to_json(Json& j, LogLevel level) { j = encodeCase(caseName(level)); }
-void from_json(const Json& j, LogLevel& level) { level = caseFromName<LogLevel>(kLevels, j); }
-void to_json(Json& j, LogContext context) { j = encodeCase(caseName(context)); }
-void from_json(const Json& j, LogContext& context) { context = caseFromName<LogContext>(kContexts, j); }
+void to_json(Json& j, LogLevel level) {
+    j = encodeCase(caseName(level));
+}
+void from_json(const Json& j, LogLevel& level) {
+    level = caseFromName<LogLevel>(kLevels, j);
+}
+void to_json(Json& j, LogContext context) {
+    j = encodeCase(caseName(context));
+}
+void from_json(const Json& j, LogContext& context) {
+    context = caseFromName<LogContext>(kContexts, j);
+}
 
 void to_json(Json& j, const Log& log) {
     j = Json::object();

@@ -36,7 +36,9 @@ struct Rect {
     Rect flipped(double primaryHeight) const { return {x, primaryHeight - (y + height), width, height}; }
 
     QRectF toQRectF() const { return {x, y, width, height}; }
-    static Rect fromQRect(const QRect& r) { return {double(r.x()), double(r.y()), double(r.width()), double(r.height())}; }
+    static Rect fromQRect(const QRect& r) {
+        return {double(r.x()), double(r.y()), double(r.width()), double(r.height())};
+    }
 
     bool operator==(const Rect&) const = default;
 };

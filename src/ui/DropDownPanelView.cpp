@@ -40,6 +40,8 @@ void DropDownPanelView::addAction(const QString& title, std::function<void()> ac
     m_actions->addWidget(button);
 }
 
-void DropDownPanelView::addStretch() { m_actions->addStretch(1); }
+void DropDownPanelView::addStretch() {
+    m_actions->addStretch(1);
+}
 
 } // namespace velmora

@@ -24,12 +24,11 @@ WelcomeView::WelcomeView(std::function<void()> onGetStarted, QWidget* parent) : 
     title->setAlignment(Qt::AlignCenter);
     layout->addWidget(title);
 
-    auto* text = new QLabel(
-        "Velmora lives in your system tray. Click its icon to open the panel.<br><br>"
-        "&bull; Snap windows into zones with keyboard shortcuts or by dragging<br>"
-        "&bull; Keep a searchable history of everything you copy<br>"
-        "&bull; Watch CPU, memory and network use per application<br>"
-        "&bull; Clean your keyboard, dim monitors, keep the computer awake");
+    auto* text = new QLabel("Velmora lives in your system tray. Click its icon to open the panel.<br><br>"
+                            "&bull; Snap windows into zones with keyboard shortcuts or by dragging<br>"
+                            "&bull; Keep a searchable history of everything you copy<br>"
+                            "&bull; Watch CPU, memory and network use per application<br>"
+                            "&bull; Clean your keyboard, dim monitors, keep the computer awake");
     text->setWordWrap(true);
     layout->addWidget(text, 1);
 

@@ -8,14 +8,22 @@ namespace {
 
 std::uint16_t keyCodeOf(int key) {
     switch (key) {
-    case Qt::Key_W: return 13;
-    case Qt::Key_Q: return 12;
-    case Qt::Key_A: return 0;
-    case Qt::Key_Escape: return KeyCode::Escape;
-    case Qt::Key_Return: return KeyCode::Return;
-    case Qt::Key_Tab: return KeyCode::Tab;
-    case Qt::Key_Space: return KeyCode::Space;
-    default: return 0xFFFF;
+    case Qt::Key_W:
+        return 13;
+    case Qt::Key_Q:
+        return 12;
+    case Qt::Key_A:
+        return 0;
+    case Qt::Key_Escape:
+        return KeyCode::Escape;
+    case Qt::Key_Return:
+        return KeyCode::Return;
+    case Qt::Key_Tab:
+        return KeyCode::Tab;
+    case Qt::Key_Space:
+        return KeyCode::Space;
+    default:
+        return 0xFFFF;
     }
 }
 

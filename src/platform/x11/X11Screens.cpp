@@ -33,8 +33,7 @@ std::vector<X11Screens::Monitor> X11Screens::monitors() const {
 
 std::vector<Strut> X11Screens::struts() const {
     std::vector<Strut> result;
-    const auto clients =
-        m_x.cardinals(m_x.root(), m_x.atom("_NET_CLIENT_LIST"));
+    const auto clients = m_x.cardinals(m_x.root(), m_x.atom("_NET_CLIENT_LIST"));
     for (const auto window : clients) {
         auto partial = m_x.cardinals(window, m_x.atom("_NET_WM_STRUT_PARTIAL"));
         if (partial.size() >= 12) {
@@ -58,7 +57,8 @@ std::vector<ScreenInfo> X11Screens::screens() const {
     if (mons.empty())
         return {};
     auto* c = m_x.connection();
-    XcbPtr<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(c, xcb_get_geometry(c, m_x.root()), nullptr));
+    XcbPtr<xcb_get_geometry_reply_t> root(
+        xcb_get_geometry_reply(c, xcb_get_geometry(c, m_x.root()), nullptr));
     const double desktopWidth = root ? root->width : mons.front().frame.maxX();
     const double desktopHeight = root ? root->height : mons.front().frame.maxY();
     const auto dockStruts = struts();
@@ -101,7 +101,8 @@ std::optional<Point> X11Screens::focusedWindowCentre() const {
 
 std::optional<Point> X11Screens::pointer() const {
     auto* c = m_x.connection();
-    XcbPtr<xcb_query_pointer_reply_t> p(xcb_query_pointer_reply(c, xcb_query_pointer(c, m_x.root()), nullptr));
+    XcbPtr<xcb_query_pointer_reply_t> p(
+        xcb_query_pointer_reply(c, xcb_query_pointer(c, m_x.root()), nullptr));
     if (!p)
         return std::nullopt;
     return Point{double(p->root_x), double(p->root_y)};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+#include <vector>
+
+// A private X11 desktop for one test: Xvfb on a free display, Openbox with no key bindings of its
+// own, and (optionally) a tray host along the top edge. Everything it started is ended when it is
+// destroyed, whatever the test's outcome.
+class VirtualDesktop {
+public:
+    struct Options {
+        int width = 1440;
+        int height = 900;
+        bool tray = true;
+    };
+    VirtualDesktop() : VirtualDesktop(Options{}) {}
+    explicit VirtualDesktop(Options options);
+    ~VirtualDesktop();
+
+    bool isReady() const { return !m_display.isEmpty(); }
+    const QString& display() const { return m_display; }
+    // DISPLAY plus XDG directories of the test's own, so nothing touches the user's files.
+    QProcessEnvironment environment() const;
+    QString configDir() const { return m_home.path() + "/config"; }
+
+    struct Output {
+        int exitCode = -1;
+        QString out;
+        QString err;
+    };
+    // Runs a program on this desktop and waits for it (xdotool, xprop, the agent's command line).
+    Output run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    // Starts a program that keeps running until the desktop ends (or it is stopped).
+    QProcess* start(const QString& program, const QStringList& args);
+
+    // The colour of one pixel of the screen as the user sees it, "#rrggbb".
+    QString pixel(int x, int y) const;
+
+private:
+    Options m_options;
+    QTemporaryDir m_home;
+    QString m_display;
+    std::vector<std::unique_ptr<QProcess>> m_processes;
+};
+
+// Polls until the condition holds or the deadline passes; true when it held.
+bool waitUntil(const std::function<bool()>& condition, int timeoutMs = 10000);
