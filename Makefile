@@ -26,7 +26,7 @@ bench: setup
 	@for b in build-bench/bench/bench_*; do [ -x "$$b" ] && "$$b"; done
 
 format:
-	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+	@git ls-files -co --exclude-standard '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
 	rm -rf $(BUILD) build-bench

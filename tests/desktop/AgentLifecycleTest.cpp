@@ -2,9 +2,9 @@
 #include "AgentUnderTest.h"
 
 #include <QColor>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QDir>
 #include <gtest/gtest.h>
 
 namespace {
@@ -89,13 +89,15 @@ TEST(AgentLifecycle, PreferencesRoundTripAndSurviveARestart) {
     EXPECT_EQ((*record)["areas"].size(), 9u);
     (*record)["spacing"] = 1.0;
     (*record)["areas"].erase(1);
-    const auto set = agent.json({"prefs", "set", "WindowManagerPreferences", QString::fromStdString(record->dump())});
+    const auto set =
+        agent.json({"prefs", "set", "WindowManagerPreferences", QString::fromStdString(record->dump())});
     ASSERT_TRUE(set);
     EXPECT_EQ(*set, *record);
     EXPECT_EQ(agent.json({"prefs", "get", "WindowManagerPreferences"}), record);
 
     // Refused values change nothing and say why.
-    const auto wrongShape = agent.command({"prefs", "set", "WindowManagerPreferences", R"({"spacing": "wide"})"});
+    const auto wrongShape =
+        agent.command({"prefs", "set", "WindowManagerPreferences", R"({"spacing": "wide"})"});
     EXPECT_EQ(wrongShape.exitCode, 1);
     EXPECT_TRUE(wrongShape.err.contains("does not accept")) << wrongShape.err.toStdString();
     EXPECT_EQ(agent.command({"prefs", "set", "BasicPreferences", "{nope"}).exitCode, 1);
@@ -114,7 +116,8 @@ TEST(AgentLifecycle, UndecodableStoredRecordKeepsTheDefaultAndIsLogged) {
                            "WelcomeWindowSeen:V26=true\n");
     AgentUnderTest agent(desktop);
     ASSERT_TRUE(agent.start());
-    EXPECT_EQ(agent.json({"prefs", "get", "BasicPreferences"}), AgentUnderTest::Json::parse(R"({"autoUpdate":true})"));
+    EXPECT_EQ(agent.json({"prefs", "get", "BasicPreferences"}),
+              AgentUnderTest::Json::parse(R"({"autoUpdate":true})"));
     EXPECT_TRUE(waitUntil([&] { return agent.output().contains("BasicPreferences does not decode"); }))
         << agent.output().toStdString();
 }

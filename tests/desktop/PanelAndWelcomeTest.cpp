@@ -2,8 +2,8 @@
 #include "AgentUnderTest.h"
 
 #include <QDir>
-#include <QThread>
 #include <QFile>
+#include <QThread>
 #include <gtest/gtest.h>
 
 namespace {

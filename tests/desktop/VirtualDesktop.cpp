@@ -20,8 +20,8 @@ bool waitUntil(const std::function<bool()>& condition, int timeoutMs) {
 VirtualDesktop::VirtualDesktop(Options options) : m_options(options) {
     for (const char* dir : {"/config", "/data", "/runtime"})
         QDir().mkpath(m_home.path() + dir);
-    QFile::setPermissions(m_home.path() + "/runtime", QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                           QFileDevice::ExeOwner);
+    QFile::setPermissions(m_home.path() + "/runtime",
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 
     // -displayfd 1: Xvfb picks a free display and writes its number to standard output.
     auto* xvfb = start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
@@ -70,7 +70,8 @@ QProcessEnvironment VirtualDesktop::environment() const {
     return env;
 }
 
-VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QStringList& args, int timeoutMs) const {
+VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QStringList& args,
+                                           int timeoutMs) const {
     QProcess p;
     p.setProcessEnvironment(environment());
     p.start(program, args);
@@ -79,8 +80,8 @@ VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QString
         p.waitForFinished(1000);
         return {-1, QString::fromUtf8(p.readAllStandardOutput()), "timed out"};
     }
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+            QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
 }
 
 QProcess* VirtualDesktop::start(const QString& program, const QStringList& args) {
@@ -99,5 +100,6 @@ QString VirtualDesktop::pixel(int x, int y) const {
     const auto m = srgb.match(o.out);
     if (!m.hasMatch())
         return {};
-    return QString::asprintf("#%02x%02x%02x", m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
+    return QString::asprintf("#%02x%02x%02x", m.captured(1).toInt(), m.captured(2).toInt(),
+                             m.captured(3).toInt());
 }

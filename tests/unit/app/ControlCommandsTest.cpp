@@ -1,5 +1,5 @@
-#include "app/AppDelegate.h"
 #include "app/ControlCommands.h"
+#include "app/AppDelegate.h"
 #include "platform/fake/FakePlatform.h"
 
 #include <gtest/gtest.h>
@@ -33,17 +33,21 @@ TEST(ControlCommands, PrefsSetChecksTheWholeRecordBeforeAssigning) {
     Agent agent;
     auto& prefs = *agent.app.preferences();
     const auto before = prefs.theme.value();
-    for (const char* bad : {R"({"clipboardUseCompactView": 1})", R"([1, 2])", R"({"mbsm": {"widgets": [{}]}})"}) {
+    for (const char* bad :
+         {R"({"clipboardUseCompactView": 1})", R"([1, 2])", R"({"mbsm": {"widgets": [{}]}})"}) {
         const auto reply = agent.commands.handle({"prefs", "set", "ThemePreferences", bad});
         EXPECT_FALSE(reply.ok) << bad;
-        EXPECT_TRUE(reply.error.startsWith("ThemePreferences does not accept that value")) << reply.error.toStdString();
+        EXPECT_TRUE(reply.error.startsWith("ThemePreferences does not accept that value"))
+            << reply.error.toStdString();
     }
     EXPECT_EQ(prefs.theme.value(), before);
 
     // A record written without the switcher width takes the default 400.
-    const auto ok = agent.commands.handle({"prefs", "set", "ThemePreferences", R"({"clipboardUseCompactView": true})"});
+    const auto ok =
+        agent.commands.handle({"prefs", "set", "ThemePreferences", R"({"clipboardUseCompactView": true})"});
     ASSERT_TRUE(ok.ok) << ok.error.toStdString();
-    EXPECT_EQ(ok.result.dump(), R"({"clipboardUseCompactView":true,"windowSwitcherWidth":400.0,"mbsm":{"widgets":[]}})");
+    EXPECT_EQ(ok.result.dump(),
+              R"({"clipboardUseCompactView":true,"windowSwitcherWidth":400.0,"mbsm":{"widgets":[]}})");
     EXPECT_TRUE(prefs.theme.value().clipboardUseCompactView);
 }
 
@@ -59,8 +63,10 @@ TEST(ControlCommands, LocalValuesKeepTheirTypes) {
 
 TEST(ControlCommands, UnknownCommandsAndKeysAreNamed) {
     Agent agent;
-    EXPECT_EQ(agent.commands.handle({"frobnicate"}).error, "unknown command \"frobnicate\"; see velmora --help");
-    EXPECT_TRUE(agent.commands.handle({"prefs", "get", "Nope"}).error.contains("no preference named \"Nope\""));
+    EXPECT_EQ(agent.commands.handle({"frobnicate"}).error,
+              "unknown command \"frobnicate\"; see velmora --help");
+    EXPECT_TRUE(
+        agent.commands.handle({"prefs", "get", "Nope"}).error.contains("no preference named \"Nope\""));
     EXPECT_FALSE(agent.commands.handle({"prefs", "set", "BasicPreferences"}).ok);
     const auto list = agent.commands.handle({"prefs", "list"});
     ASSERT_TRUE(list.ok);

@@ -47,10 +47,12 @@ TEST(LoggingManager, ExportsEntriesAsAPlainJsonArrayWithCaseObjects) {
     LoggingManager log([] { return true; });
     log.append(LogContext::ClipboardHistory, LogLevel::Error, "perfomSync()", 156, "The network is down");
     const auto text = log.exportData().toStdString();
-    EXPECT_EQ(text.find("[{\"context\":{\"ClipboardHistory\":{}},\"level\":{\"Error\":{}},\"timestamp\":"), 0u)
+    EXPECT_EQ(text.find("[{\"context\":{\"ClipboardHistory\":{}},\"level\":{\"Error\":{}},\"timestamp\":"),
+              0u)
         << text;
     const auto tail = text.substr(text.find(",\"function\""));
-    EXPECT_EQ(tail.find(",\"function\":\"perfomSync()\",\"line\":156,\"version\":\"0.1.0\",\"osVersion\":"), 0u);
+    EXPECT_EQ(tail.find(",\"function\":\"perfomSync()\",\"line\":156,\"version\":\"0.1.0\",\"osVersion\":"),
+              0u);
     EXPECT_NE(text.find("\"description\":\"The network is down\"}]"), std::string::npos);
 
     const auto decoded = decodeJson<std::vector<Log>>(text);
@@ -59,7 +61,8 @@ TEST(LoggingManager, ExportsEntriesAsAPlainJsonArrayWithCaseObjects) {
 }
 
 TEST(LoggingManager, DecodingAcceptsOnlyTheKnownCaseForms) {
-    for (const char* bad : {R"({"Warning": {}})", R"("Error")", R"({"Error": 1})", R"({"Error": {}, "Info": {}})"}) {
+    for (const char* bad :
+         {R"({"Warning": {}})", R"("Error")", R"({"Error": 1})", R"({"Error": {}, "Info": {}})"}) {
         std::string error;
         EXPECT_FALSE(decodeJson<LogLevel>(bad, &error)) << bad;
         EXPECT_FALSE(error.empty());

@@ -1,5 +1,5 @@
-#include "core/ScreenInfo.h"
 #include "core/Strut.h"
+#include "core/ScreenInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,8 @@ TEST(Strut, SeveralStrutsCombineAndABrokenOneIsIgnored) {
 }
 
 TEST(ScreenInfo, PrimaryIsTheScreenAtTheOriginAndPointsFindTheirScreen) {
-    const std::vector<ScreenInfo> screens{{"right", {1440, -180, 1920, 1080}, {}, 1}, {"left", {0, 0, 1440, 900}, {}, 1}};
+    const std::vector<ScreenInfo> screens{{"right", {1440, -180, 1920, 1080}, {}, 1},
+                                          {"left", {0, 0, 1440, 900}, {}, 1}};
     EXPECT_EQ(primaryScreen(screens)->id, "left");
     EXPECT_EQ(screenAt(screens, {1440, 0})->id, "right");
     EXPECT_EQ(screenAt(screens, {1439.5, 0})->id, "left");
