@@ -9,6 +9,7 @@
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11InputTap.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Permission.h"
 #include "platform/x11/X11Screens.h"
@@ -51,6 +52,7 @@ Platform makeX11Platform() {
     platform.permission = std::make_unique<X11Permission>(x);
     platform.commands = std::make_unique<ProcessCommands>();
     platform.keyboardLayout = std::make_unique<X11KeyboardLayout>();
+    platform.inputTap = std::make_unique<X11InputTap>();
     if (x)
         platform.screens = std::make_unique<X11Screens>(*x);
     return platform;

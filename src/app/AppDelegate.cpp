@@ -5,10 +5,13 @@
 #include "ui/DeveloperPreferencesPage.h"
 #include "ui/DropDownPanelView.h"
 #include "ui/GeneralPreferencesPage.h"
+#include "ui/KeyboardShortcutsPreferencesPage.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/WelcomeView.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDateTime>
 #include <QMenu>
 #include <QScreen>
 #include <QTimer>
@@ -17,7 +20,8 @@ namespace velmora {
 
 AppDelegate::AppDelegate(Platform& platform, QProcessEnvironment environment, QObject* parent)
     : QObject(parent), m_platform(platform), m_environment(std::move(environment)),
-      m_logging([this] { return m_preferences && m_preferences->local.developerLogsEnabled(); }) {}
+      m_logging([this] { return m_preferences && m_preferences->local.developerLogsEnabled(); }),
+      m_dispatcher(m_logging) {}
 
 AppDelegate::~AppDelegate() {
     delete m_preferencesWindow;
@@ -33,12 +37,17 @@ void AppDelegate::applicationDidFinishLaunching() {
     }
     createPreferences();
     createStatusItems();
+    startPermissionPoll();
     showWelcomeWindowIfNeeded();
 }
 
 void AppDelegate::applicationWillTerminate() {
     assertMainThread("AppDelegate::applicationWillTerminate");
     m_startupSteps << "terminate";
+    // The keyboard must never stay held by a process that is leaving.
+    m_keyboardCleaning.setOn(false);
+    if (m_eventTap)
+        m_eventTap->invalidate();
     // Preferences are written as they change; nothing else is held that must outlive the process.
 }
 
@@ -64,6 +73,9 @@ void AppDelegate::createStatusItems() {
 
 QWidget* AppDelegate::makeDropDownPanel() {
     auto* view = new DropDownPanelView();
+    auto* cleaning = view->addToggle("Keyboard Cleaning", m_keyboardCleaning.isOn(),
+                                     [this](bool on) { m_keyboardCleaning.setOn(on); });
+    connect(&m_keyboardCleaning, &KeyboardCleaningModel::isOnChanged, cleaning, &QAbstractButton::setChecked);
     view->addAction("Preferences…", [this] {
         m_menubarPopover->windowController().close();
         openPreferences();
@@ -71,6 +83,53 @@ QWidget* AppDelegate::makeDropDownPanel() {
     view->addStretch();
     view->addAction("Quit Velmora", [this] { quit(); });
     return view;
+}
+
+// The one-second permission poll; each tick also keeps the input tap alive.
+void AppDelegate::startPermissionPoll() {
+    m_providers = std::make_unique<ActionProviders>(ActionProviders::forPreferences(*m_preferences));
+    m_shortcuts = std::make_unique<KeyboardShortcutModel>(
+        [this](const KeyboardShortcut& chord) { return m_providers->match(chord); },
+        [this](const KeyboardBinding& binding) {
+            // Carried out after the verdict went back, so a slow action never holds the keyboard.
+            QTimer::singleShot(0, this,
+                               [this, binding] { m_dispatcher.dispatch(binding.action, binding.id); });
+        });
+    m_eventTap = std::make_unique<EventTap>(*m_platform.inputTap, *m_shortcuts, m_keyboardCleaning, m_logging,
+                                            [] { return QDateTime::currentMSecsSinceEpoch() / 1000.0; });
+    connect(m_eventTap.get(), &EventTap::refusedChordsChanged, this, &AppDelegate::logRefusedChords);
+    for (auto* record : {static_cast<CKValueObservableBase*>(&m_preferences->keyboardBindings),
+                         static_cast<CKValueObservableBase*>(&m_preferences->windowManager)})
+        connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);
+    connect(&m_preferences->local, &LocalUserPreferences::changed, this,
+            &AppDelegate::updateSwallowableChords);
+    updateSwallowableChords();
+
+    m_accessibility =
+        std::make_unique<AccessibilityModel>(*m_platform.permission, [this](bool hasPermission) {
+            if (hasPermission)
+                m_eventTap->watchdog();
+            else
+                m_eventTap->invalidate();
+        });
+    m_accessibility->start();
+    m_startupSteps << "permissionPoll";
+}
+
+void AppDelegate::updateSwallowableChords() {
+    m_eventTap->setSwallowableChords(m_providers->swallowableChords());
+}
+
+void AppDelegate::logRefusedChords() {
+    // Once per chord and reason: the tap is recreated often, the user needs to read it only once.
+    for (const auto& refused : m_eventTap->refusedChords()) {
+        const QString text = QString("Shortcut %1 cannot be used: %2.")
+                                 .arg(QString::fromStdString(encodeJson(refused.shortcut)), refused.reason);
+        if (m_loggedRefusals.contains(text))
+            continue;
+        m_loggedRefusals.insert(text);
+        VELMORA_LOG(m_logging, LogContext::Default, LogLevel::Error, text);
+    }
 }
 
 void AppDelegate::showWelcomeWindowIfNeeded() {
@@ -100,6 +159,10 @@ void AppDelegate::openPreferences() {
     if (!m_preferencesWindow) {
         m_preferencesWindow = new PreferencesWindow();
         m_preferencesWindow->addPage("General", new GeneralPreferencesPage(*m_preferences));
+        if (m_shortcuts)
+            m_preferencesWindow->addPage("Keyboard Shortcuts", new KeyboardShortcutsPreferencesPage(
+                                                                   *m_preferences, *m_shortcuts,
+                                                                   *m_platform.keyboardLayout, *m_eventTap));
         m_preferencesWindow->addPage("Developer", new DeveloperPreferencesPage(*m_preferences, m_logging));
         if (auto* screen = QGuiApplication::primaryScreen()) {
             QRect frame = m_preferencesWindow->geometry();

@@ -1,15 +1,22 @@
 #pragma once
 
+#include "app/ActionProviders.h"
+#include "app/AppActionDispatcher.h"
+#include "app/EventTap.h"
+#include "app/KeyboardShortcutModel.h"
 #include "app/LoggingManager.h"
 #include "app/MenubarPopover.h"
 #include "app/StandardWindowController.h"
 #include "app/UserDefaultsObservable.h"
 #include "app/UserPreferences.h"
+#include "clipboard/KeyboardCleaningModel.h"
 #include "platform/Platform.h"
 #include "ui/PreferencesWindow.h"
+#include "windowmanager/AccessibilityModel.h"
 
 #include <QPointer>
 #include <QProcessEnvironment>
+#include <QSet>
 #include <memory>
 
 class QMenu;
@@ -35,6 +42,11 @@ public:
     MenubarPopover* menubarPopover() { return m_menubarPopover.get(); }
     StandardWindowController* welcomeWindowController() { return m_welcomeController.get(); }
     PreferencesWindow* preferencesWindow() { return m_preferencesWindow; }
+    AppActionDispatcher& dispatcher() { return m_dispatcher; }
+    KeyboardCleaningModel& keyboardCleaning() { return m_keyboardCleaning; }
+    KeyboardShortcutModel* shortcuts() { return m_shortcuts.get(); }
+    EventTap* eventTap() { return m_eventTap.get(); }
+    AccessibilityModel* accessibility() { return m_accessibility.get(); }
 
     void openPreferences();
     void quit();
@@ -42,6 +54,9 @@ public:
 private:
     void createPreferences();
     void createStatusItems();
+    void startPermissionPoll();
+    void updateSwallowableChords();
+    void logRefusedChords();
     void showWelcomeWindowIfNeeded();
     QWidget* makeDropDownPanel();
 
@@ -49,9 +64,16 @@ private:
     QProcessEnvironment m_environment;
     QStringList m_startupSteps;
     LoggingManager m_logging;
+    AppActionDispatcher m_dispatcher;
+    KeyboardCleaningModel m_keyboardCleaning;
     std::unique_ptr<UserPreferences> m_preferences;
     std::unique_ptr<MenubarPopover> m_menubarPopover;
     std::unique_ptr<QMenu> m_contextMenu;
+    std::unique_ptr<ActionProviders> m_providers;
+    std::unique_ptr<KeyboardShortcutModel> m_shortcuts;
+    std::unique_ptr<EventTap> m_eventTap;
+    std::unique_ptr<AccessibilityModel> m_accessibility;
+    QSet<QString> m_loggedRefusals;
     std::unique_ptr<UserDefaultsObservable> m_welcomeSeen;
     std::unique_ptr<StandardWindowController> m_welcomeController;
     QPointer<PreferencesWindow> m_preferencesWindow;

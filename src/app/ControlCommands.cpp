@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QThread>
 
 namespace velmora {
 
@@ -56,6 +57,8 @@ QString ControlCommands::usage() {
            "  logs export PATH        write the kept log entries as JSON\n"
            "  panel [show|hide|toggle] the drop-down panel\n"
            "  preferences             open the preferences window\n"
+           "  keyboard-cleaning on|off silence the whole keyboard (the mouse keeps working)\n"
+           "  action NAME             carry out an application action, e.g. centerWindow\n"
            "  quit                    stop the agent\n";
 }
 
@@ -77,6 +80,13 @@ ControlReply ControlCommands::handle(const QStringList& args) {
         return preferences();
     if (command == "quit" && args.size() == 1)
         return quit();
+    if (command == "keyboard-cleaning" && args.size() == 2)
+        return keyboardCleaning(args[1]);
+    if (command == "action" && args.size() == 2)
+        return action(args[1]);
+    // For tests of the input tap: keeps the main thread busy, as a slow action would.
+    if (command == "debug" && args.value(1) == "block-main-thread" && args.size() == 3)
+        return blockMainThread(args[2]);
     return ControlReply::failure(QString("unknown command \"%1\"; see velmora --help").arg(args.join(' ')));
 }
 
@@ -103,6 +113,19 @@ ControlReply ControlCommands::status() {
     if (auto* welcome = m_app.welcomeWindowController())
         j["welcomeWindow"] = windowJson(welcome->window());
     j["preferencesWindow"] = windowJson(m_app.preferencesWindow());
+    j["keyboardCleaning"] = m_app.keyboardCleaning().isOn();
+    if (auto* tap = m_app.eventTap()) {
+        Json refused = Json::array();
+        for (const auto& r : tap->refusedChords())
+            refused.push_back({{"shortcut", r.shortcut}, {"reason", r.reason}});
+        j["tap"] = {
+            {"state", tapStateName(tap->state())}, {"recreations", tap->recreations()}, {"refused", refused}};
+    }
+    const auto& dispatcher = m_app.dispatcher();
+    j["lastAction"] = dispatcher.dispatchCount() == 0 ? Json(nullptr)
+                                                      : Json{{"action", dispatcher.lastAction()},
+                                                             {"source", dispatcher.lastSource()},
+                                                             {"count", dispatcher.dispatchCount()}};
     return ControlReply::success(j);
 }
 
@@ -197,6 +220,36 @@ ControlReply ControlCommands::panel(const QString& how) {
 ControlReply ControlCommands::preferences() {
     m_app.openPreferences();
     return ControlReply::success({{"open", m_app.preferencesWindow() != nullptr}});
+}
+
+ControlReply ControlCommands::keyboardCleaning(const QString& how) {
+    if (how != "on" && how != "off")
+        return ControlReply::failure("keyboard-cleaning takes on or off");
+    m_app.keyboardCleaning().setOn(how == "on");
+    return ControlReply::success({{"keyboardCleaning", m_app.keyboardCleaning().isOn()}});
+}
+
+ControlReply ControlCommands::action(const QString& name) {
+    for (int k = 0; k <= int(AppAction::Kind::noop); ++k) {
+        AppAction a;
+        a.kind = AppAction::Kind(k);
+        if (a.name() != name)
+            continue;
+        if (a.kind == AppAction::Kind::windowAreas)
+            return ControlReply::failure("windowAreas needs zones; press a zone shortcut instead");
+        m_app.dispatcher().dispatch(a, "command line");
+        return ControlReply::success({{"dispatched", name}});
+    }
+    return ControlReply::failure(QString("no action named \"%1\"").arg(name));
+}
+
+ControlReply ControlCommands::blockMainThread(const QString& milliseconds) {
+    bool ok = false;
+    const int ms = milliseconds.toInt(&ok);
+    if (!ok || ms < 0 || ms > 10000)
+        return ControlReply::failure("block-main-thread takes 0 to 10000 milliseconds");
+    QThread::msleep(ms);
+    return ControlReply::success({{"blocked", ms}});
 }
 
 ControlReply ControlCommands::quit() {

@@ -36,6 +36,9 @@ private:
     ControlReply panel(const QString& how);
     ControlReply preferences();
     ControlReply quit();
+    ControlReply keyboardCleaning(const QString& how);
+    ControlReply action(const QString& name);
+    ControlReply blockMainThread(const QString& milliseconds);
 
     AppDelegate& m_app;
 };

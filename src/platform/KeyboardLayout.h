@@ -12,6 +12,9 @@ class KeyboardLayout {
 public:
     virtual ~KeyboardLayout() = default;
     virtual KeyEvent translate(const QKeyEvent& event) const = 0;
+    // What the key cap of a virtual key code says in the current layout ("A", "←", "Return"); empty
+    // when the layout has no such key.
+    virtual QString label(std::uint16_t keyCode) const = 0;
 };
 
 } // namespace velmora

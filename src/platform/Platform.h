@@ -2,6 +2,7 @@
 
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
+#include "platform/InputTap.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
@@ -17,6 +18,7 @@ struct Platform {
     std::unique_ptr<Permission> permission;
     std::unique_ptr<Commands> commands;
     std::unique_ptr<KeyboardLayout> keyboardLayout;
+    std::unique_ptr<InputTap> inputTap;
 };
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "ui/AppIcon.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -38,6 +39,15 @@ void DropDownPanelView::addAction(const QString& title, std::function<void()> ac
     button->setFlat(true);
     connect(button, &QPushButton::clicked, this, [action] { action(); });
     m_actions->addWidget(button);
+}
+
+QAbstractButton* DropDownPanelView::addToggle(const QString& title, bool checked,
+                                              std::function<void(bool)> onToggled) {
+    auto* toggle = new QCheckBox(title);
+    toggle->setChecked(checked);
+    connect(toggle, &QCheckBox::toggled, this, [onToggled](bool on) { onToggled(on); });
+    m_actions->addWidget(toggle);
+    return toggle;
 }
 
 void DropDownPanelView::addStretch() {

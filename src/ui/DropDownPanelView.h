@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <functional>
 
+class QAbstractButton;
 class QVBoxLayout;
 
 namespace velmora {
@@ -14,6 +15,8 @@ public:
     explicit DropDownPanelView(QWidget* parent = nullptr);
 
     void addAction(const QString& title, std::function<void()> action);
+    // A switch that shows its state; the caller keeps it in step with the model.
+    QAbstractButton* addToggle(const QString& title, bool checked, std::function<void(bool)> onToggled);
     void addStretch();
 
 private:

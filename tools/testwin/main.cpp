@@ -1,11 +1,15 @@
-// testwin [--title T] [--size WxH] [--min-size WxH]: a plain window for the desktop tests. Every key
-// it receives is printed on standard output as "key <text> <qt key> <modifiers>", every click as
-// "click <x> <y>".
+// testwin [--title T] [--size WxH] [--min-size WxH] [--grab-super-alt KEY]: a plain window for the
+// desktop tests. Every key it receives is printed on standard output as "key <qt key> <modifiers>
+// <text>", every click as "click <x> <y>". --grab-super-alt plays another program that owns a
+// global shortcut: it grabs Super+Alt+KEY (a keysym name such as "f") on the root window.
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QKeyEvent>
 #include <QWidget>
 #include <cstdio>
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+#include <xkbcommon/xkbcommon.h>
 
 namespace {
 
@@ -16,10 +20,29 @@ QSize parseSize(const QString& text, QSize fallback) {
     return {parts[0].toInt(), parts[1].toInt()};
 }
 
+bool grabSuperAlt(const QString& keyName) {
+    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
+    const xkb_keysym_t keysym = xkb_keysym_from_name(keyName.toLatin1().constData(), XKB_KEYSYM_NO_FLAGS);
+    xcb_key_symbols_t* symbols = xcb_key_symbols_alloc(c);
+    xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);
+    bool ok = codes && *codes != XCB_NO_SYMBOL;
+    for (auto* k = codes; ok && *k != XCB_NO_SYMBOL; ++k)
+        for (int lock : {0, int(XCB_MOD_MASK_LOCK), int(XCB_MOD_MASK_2), XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2})
+            xcb_grab_key(c, 0, root, XCB_MOD_MASK_4 | XCB_MOD_MASK_1 | lock, *k, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC);
+    std::free(codes);
+    xcb_key_symbols_free(symbols);
+    xcb_flush(c);
+    std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)); // the grabs are in place
+    return ok; // the connection stays open for the life of the process, and the grabs with it
+}
+
 class TestWindow : public QWidget {
 protected:
     void keyPressEvent(QKeyEvent* e) override {
-        std::printf("key %s %d %d\n", e->text().toUtf8().constData(), e->key(), int(e->modifiers()));
+        const QString text = e->text().size() == 1 && e->text()[0].isPrint() ? e->text() : QString();
+        std::printf("key %d %d %s\n", e->key(), int(e->modifiers()), text.toUtf8().constData());
         std::fflush(stdout);
     }
     void mousePressEvent(QMouseEvent* e) override {
@@ -35,8 +58,13 @@ int main(int argc, char** argv) {
     QCommandLineParser parser;
     parser.addOptions({{"title", "window title", "title", "testwin"},
                        {"size", "initial size WxH", "size", "400x300"},
-                       {"min-size", "minimum size WxH", "min", ""}});
+                       {"min-size", "minimum size WxH", "min", ""},
+                       {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""}});
     parser.process(app);
+    if (parser.isSet("grab-super-alt") && grabSuperAlt(parser.value("grab-super-alt"))) {
+        std::printf("grabbed\n");
+        std::fflush(stdout);
+    }
     TestWindow w;
     w.setWindowTitle(parser.value("title"));
     w.resize(parseSize(parser.value("size"), {400, 300}));

@@ -2,6 +2,8 @@
 
 #include <QKeyEvent>
 
+#include <utility>
+
 namespace velmora {
 
 namespace {
@@ -27,6 +29,16 @@ std::uint16_t keyCodeOf(int key) {
     }
 }
 
+// The letters and a few other keys of a US keyboard, labelled as the X11 layout labels them.
+constexpr std::pair<std::uint16_t, const char*> kLabels[] = {
+    {0, "A"},       {1, "S"},    {2, "D"},      {3, "F"},          {4, "H"},    {5, "G"},   {6, "Z"},
+    {7, "X"},       {8, "C"},    {9, "V"},      {11, "B"},         {12, "Q"},   {13, "W"},  {14, "E"},
+    {15, "R"},      {16, "Y"},   {17, "T"},     {18, "1"},         {19, "2"},   {31, "O"},  {32, "U"},
+    {34, "I"},      {35, "P"},   {37, "L"},     {38, "J"},         {40, "K"},   {45, "N"},  {46, "M"},
+    {36, "Return"}, {48, "Tab"}, {49, "Space"}, {51, "Backspace"}, {53, "Esc"}, {123, "←"}, {124, "→"},
+    {125, "↓"},     {126, "↑"},
+};
+
 } // namespace
 
 KeyEvent FakeKeyboardLayout::translate(const QKeyEvent& event) const {
@@ -46,6 +58,13 @@ KeyEvent FakeKeyboardLayout::translate(const QKeyEvent& event) const {
         e.characters = (m & Qt::ShiftModifier) ? QString(c) : QString(c.toLower());
     }
     return e;
+}
+
+QString FakeKeyboardLayout::label(std::uint16_t keyCode) const {
+    for (const auto& [code, text] : kLabels)
+        if (code == keyCode)
+            return QString::fromUtf8(text);
+    return {};
 }
 
 } // namespace velmora

@@ -8,6 +8,7 @@ namespace velmora {
 class FakeKeyboardLayout final : public KeyboardLayout {
 public:
     KeyEvent translate(const QKeyEvent& event) const override;
+    QString label(std::uint16_t keyCode) const override;
 };
 
 } // namespace velmora

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
+#include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
@@ -16,12 +17,15 @@ struct FakePlatform {
     FakeScreens* screens;
     FakePermission* permission;
     FakeCommands* commands;
+    FakeInputTap* inputTap;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
         auto s = std::make_unique<FakeScreens>();
         auto p = std::make_unique<FakePermission>();
         auto c = std::make_unique<FakeCommands>();
+        auto t = std::make_unique<FakeInputTap>();
+        inputTap = t.get();
         defaults = d.get();
         screens = s.get();
         permission = p.get();
@@ -32,6 +36,7 @@ struct FakePlatform {
         platform.permission = std::move(p);
         platform.commands = std::move(c);
         platform.keyboardLayout = std::make_unique<FakeKeyboardLayout>();
+        platform.inputTap = std::move(t);
     }
 };
 

@@ -1,5 +1,6 @@
 #include "platform/x11/X11KeyboardLayout.h"
 
+#include "platform/x11/KeyLabel.h"
 #include "platform/x11/KeySymMap.h"
 
 #include <QKeyEvent>
@@ -40,6 +41,11 @@ KeyEvent X11KeyboardLayout::translate(const QKeyEvent& event) const {
     result.modifierFlags = modifierFlags(event.modifiers());
     result.characters = charactersOf(keysym);
     return result;
+}
+
+QString X11KeyboardLayout::label(std::uint16_t keyCode) const {
+    const auto keysym = keysymForVirtualKeyCode(keyCode);
+    return keysym ? keyLabel(*keysym) : QString();
 }
 
 } // namespace velmora

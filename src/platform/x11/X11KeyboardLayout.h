@@ -7,6 +7,7 @@ namespace velmora {
 class X11KeyboardLayout final : public KeyboardLayout {
 public:
     KeyEvent translate(const QKeyEvent& event) const override;
+    QString label(std::uint16_t keyCode) const override;
 };
 
 } // namespace velmora

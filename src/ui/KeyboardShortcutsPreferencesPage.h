@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/KeyboardAppAction.h"
+
+#include <QWidget>
+#include <array>
+
+namespace velmora {
+
+class EventTap;
+class KeyboardLayout;
+class KeyboardShortcutField;
+class KeyboardShortcutModel;
+class UserPreferences;
+
+// Whether the action's shortcut is global and so must include a modifier (a bare key would be taken
+// from every application); the panel navigation keys are bare keys read only while a panel has focus.
+bool shortcutRequiresModifier(KeyboardAppAction action);
+
+// Every binding of the bindings record, one row per action under its group's heading. A recorded or
+// switched chord is written back as a whole new record; a chord the platform could not reserve is
+// marked on its row with the reason.
+class KeyboardShortcutsPreferencesPage : public QWidget {
+    Q_OBJECT
+public:
+    static constexpr const char* kTitle = "Keyboard Shortcuts";
+
+    KeyboardShortcutsPreferencesPage(UserPreferences& preferences, KeyboardShortcutModel& model,
+                                     const KeyboardLayout& layout, EventTap& tap, QWidget* parent = nullptr);
+
+    KeyboardShortcutField* field(KeyboardAppAction action) const { return m_fields[std::size_t(action)]; }
+
+private:
+    void refresh();
+
+    UserPreferences& m_preferences;
+    EventTap& m_tap;
+    std::array<KeyboardShortcutField*, keyboardAppActionCount> m_fields{};
+};
+
+} // namespace velmora

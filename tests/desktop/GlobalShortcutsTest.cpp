@@ -1,0 +1,168 @@
+// Global shortcuts and keyboard cleaning with real key presses (XTest through xdotool) on a real
+// X server, checked where a user would notice: which window got the key, what the agent did.
+#include "AgentUnderTest.h"
+#include "TestWindow.h"
+
+#include <QThread>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+namespace {
+
+using Json = AgentUnderTest::Json;
+
+int dispatchCount(const AgentUnderTest& agent) {
+    const auto last = agent.status()["lastAction"];
+    return last.is_null() ? 0 : last["count"].get<int>();
+}
+
+bool tapIsActive(const AgentUnderTest& agent) {
+    return agent.status()["tap"].value("state", "") == "active";
+}
+
+struct ShortcutDesktop : ::testing::Test {
+    VirtualDesktop desktop;
+    AgentUnderTest agent{desktop};
+    std::unique_ptr<TestWindow> window;
+
+    void SetUp() override {
+        ASSERT_TRUE(desktop.isReady());
+        ASSERT_TRUE(agent.start());
+        ASSERT_TRUE(waitUntil([&] { return tapIsActive(agent); })) << agent.status().dump();
+        window = std::make_unique<TestWindow>(desktop, "keys");
+        ASSERT_TRUE(window->waitUntilMapped());
+        window->activate();
+    }
+    void key(const QString& chord) { desktop.run("xdotool", {"key", chord}); }
+    void type(const QString& text) { desktop.run("xdotool", {"type", text}); }
+    // Typing a marker and waiting for it tells that every key before it was delivered.
+    void settle(const QString& marker = "q") {
+        type(marker);
+        const QString line = QString("key %1 ").arg(int(marker.toUpper()[0].unicode()));
+        waitUntil([&] { return window->countLines(line) > 0; });
+    }
+};
+
+} // namespace
+
+TEST_F(ShortcutDesktop, BoundChordIsSwallowedAndDispatchedOthersReachTheWindowOnce) {
+    key("super+alt+c"); // "Center Window"
+    ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
+    EXPECT_EQ(agent.status()["lastAction"]["action"], "centerWindow");
+    EXPECT_EQ(agent.status()["lastAction"]["source"], "windowManagerCenterWindow");
+
+    key("ctrl+alt+x");  // bound to nothing
+    key("super+alt+y"); // bound to nothing, but uses the same modifiers as the bound chords
+    settle();
+    EXPECT_EQ(window->countLines("key 67 "), 0) << window->output().toStdString();
+    EXPECT_EQ(window->countLines("key 88 "), 1) << window->output().toStdString();
+    EXPECT_EQ(window->countLines("key 89 "), 1) << window->output().toStdString();
+    EXPECT_EQ(dispatchCount(agent), 1);
+
+    // Alt+Shift+Tab is "Select Previous Window", not "Open Window Switcher".
+    key("alt+shift+Tab");
+    ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 2; }));
+    EXPECT_EQ(agent.status()["lastAction"]["source"], "switchWindowPrevious");
+}
+
+TEST_F(ShortcutDesktop, LockKeysDoNotBreakShortcuts) {
+    key("Num_Lock");
+    key("super+alt+c");
+    ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
+    key("Caps_Lock");
+    key("super+alt+c");
+    ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 2; }));
+    key("Caps_Lock");
+    key("Num_Lock");
+    settle();
+    EXPECT_EQ(window->countLines("key 67 "), 0);
+}
+
+TEST_F(ShortcutDesktop, ChangedBindingsAreGrabbedAtOnce) {
+    auto bindings = agent.json({"prefs", "get", "KeyboardBindings"});
+    ASSERT_TRUE(bindings);
+    (*bindings)["openSystemMonitoringDashboard"] = Json::parse(
+        R"({"control":true,"alt":true,"command":false,"shift":false,"keyCode":2,"disabled":false})");
+    (*bindings)["windowManagerCenterWindow"]["disabled"] = true;
+    ASSERT_TRUE(agent.json({"prefs", "set", "KeyboardBindings", QString::fromStdString(bindings->dump())}));
+    QThread::msleep(200);
+
+    key("super+alt+d");
+    ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
+    EXPECT_EQ(agent.status()["lastAction"]["action"], "openSystemMonitoringDashboard");
+    key("super+alt+c"); // switched off: reaches the window
+    settle();
+    EXPECT_EQ(window->countLines("key 67 "), 1) << window->output().toStdString();
+    EXPECT_EQ(dispatchCount(agent), 1);
+}
+
+TEST_F(ShortcutDesktop, KeyboardCleaningSwallowsKeysButNotClicks) {
+    ASSERT_TRUE(agent.json({"keyboard-cleaning", "on"}));
+    QThread::msleep(300);
+    type("hello");
+    key("super+alt+c");
+    key("XF86AudioMute");
+    const auto geometry =
+        desktop.run("xdotool", {"search", "--name", "^keys$", "getwindowgeometry", "--shell"});
+    int x = 0, y = 0;
+    for (const auto& line : geometry.out.split('\n')) {
+        if (line.startsWith("X="))
+            x = line.mid(2).toInt();
+        if (line.startsWith("Y="))
+            y = line.mid(2).toInt();
+    }
+    desktop.run("xdotool", {"mousemove", QString::number(x + 40), QString::number(y + 40), "click", "1"});
+    ASSERT_TRUE(waitUntil([&] { return window->countLines("click") == 1; }));
+    EXPECT_EQ(window->countLines("key"), 0) << window->output().toStdString();
+    EXPECT_EQ(dispatchCount(agent), 0);
+
+    ASSERT_TRUE(agent.json({"keyboard-cleaning", "off"}));
+    window->activate();
+    settle("k");
+    EXPECT_EQ(window->countLines("key 75 "), 1);
+}
+
+TEST_F(ShortcutDesktop, KillingTheAgentDuringCleaningGivesTheKeyboardBack) {
+    ASSERT_TRUE(agent.json({"keyboard-cleaning", "on"}));
+    QThread::msleep(300);
+    type("x");
+    ::kill(pid_t(agent.process()->processId()), SIGKILL);
+    ASSERT_TRUE(agent.process()->waitForFinished(5000));
+    window->activate();
+    settle("k");
+    EXPECT_EQ(window->countLines("key 88 "), 0);
+    EXPECT_EQ(window->countLines("key 75 "), 1);
+}
+
+TEST_F(ShortcutDesktop, BusyMainThreadNeverFreezesTheKeyboard) {
+    // The command keeps the agent's main thread asleep for two seconds.
+    QProcess busy;
+    busy.setProcessEnvironment(desktop.environment());
+    busy.start(VELMORA_BINARY, {"debug", "block-main-thread", "2000"});
+    QThread::msleep(300);
+    key("super+alt+c");
+    type("z");
+    // Both keys reach the window while the agent is still asleep.
+    EXPECT_TRUE(waitUntil([&] { return window->countLines("key 90 ") == 1; }, 1500));
+    EXPECT_EQ(window->countLines("key 67 "), 1);
+    ASSERT_TRUE(busy.waitForFinished(5000));
+    // The key that was let through does not fire its action afterwards; the tap reports the time-out.
+    EXPECT_EQ(dispatchCount(agent), 0);
+    EXPECT_EQ(agent.status()["tap"]["state"], "disabledByTimeout");
+}
+
+TEST(ShortcutRefusals, ChordHeldByAnotherProgramIsReportedOthersWork) {
+    VirtualDesktop desktop;
+    TestWindow holder(desktop, "holder", {"--grab-super-alt", "f"});
+    ASSERT_TRUE(waitUntil([&] { return holder.output().contains("grabbed"); }));
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return !agent.status()["tap"]["refused"].empty(); }));
+    const auto refused = agent.status()["tap"]["refused"];
+    ASSERT_EQ(refused.size(), 1u);
+    EXPECT_EQ(refused[0]["shortcut"]["keyCode"], 3); // "Make Window 16 by 9"
+    EXPECT_TRUE(waitUntil([&] { return agent.output().contains("cannot be used"); }));
+
+    desktop.run("xdotool", {"key", "super+alt+c"});
+    EXPECT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
+}

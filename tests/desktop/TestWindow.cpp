@@ -1,0 +1,34 @@
+#include "TestWindow.h"
+
+TestWindow::TestWindow(VirtualDesktop& desktop, const QString& title, const QStringList& extraArgs)
+    : m_desktop(desktop), m_title(title) {
+    m_process = desktop.start(TESTWIN_BINARY, QStringList{"--title", title} + extraArgs);
+}
+
+bool TestWindow::waitUntilMapped() {
+    return waitUntil([this] {
+        const auto found =
+            m_desktop.run("xdotool", {"search", "--onlyvisible", "--name", "^" + m_title + "$"});
+        m_windowId = found.out.split('\n').value(0).trimmed();
+        return !m_windowId.isEmpty();
+    });
+}
+
+void TestWindow::activate() const {
+    m_desktop.run("xdotool", {"windowactivate", "--sync", m_windowId});
+}
+
+QString TestWindow::output() {
+    if (m_process->state() == QProcess::Running)
+        m_process->waitForReadyRead(100);
+    m_output += QString::fromUtf8(m_process->readAllStandardOutput());
+    return m_output;
+}
+
+int TestWindow::countLines(const QString& prefix) {
+    int n = 0;
+    for (const auto& line : output().split('\n'))
+        if (line.startsWith(prefix))
+            ++n;
+    return n;
+}
