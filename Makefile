@@ -23,7 +23,8 @@ test: setup
 bench: setup
 	@[ -f build-bench/build.ninja ] || cmake --preset bench
 	@cmake --build build-bench
-	@for b in build-bench/bench/bench_*; do [ -x "$$b" ] && "$$b"; done
+	@for b in build-bench/bench/bench_*; do if [ -f "$$b" ] && [ -x "$$b" ]; then "$$b"; fi; done
+	@tools/bench-desktop build-bench
 
 format:
 	@git ls-files -co --exclude-standard '*.cpp' '*.h' | xargs clang-format -i

@@ -7,6 +7,7 @@
 #include "ui/GeneralPreferencesPage.h"
 #include "ui/KeyboardShortcutsPreferencesPage.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
 
 #include <QAbstractButton>
@@ -123,8 +124,9 @@ void AppDelegate::updateSwallowableChords() {
 void AppDelegate::logRefusedChords() {
     // Once per chord and reason: the tap is recreated often, the user needs to read it only once.
     for (const auto& refused : m_eventTap->refusedChords()) {
-        const QString text = QString("Shortcut %1 cannot be used: %2.")
-                                 .arg(QString::fromStdString(encodeJson(refused.shortcut)), refused.reason);
+        const QString text =
+            QString("Shortcut %1 cannot be used: %2.")
+                .arg(shortcutText(refused.shortcut, *m_platform.keyboardLayout), refused.reason);
         if (m_loggedRefusals.contains(text))
             continue;
         m_loggedRefusals.insert(text);

@@ -21,11 +21,14 @@ namespace {
 // Wide enough for the usual three-cap chords, so that the rows of a page line up.
 constexpr int kMinimumWidth = 160;
 
-// The recording popover. It takes the keyboard while open, so that typed keys go nowhere else; the
-// chord itself comes from the model, which sees every key including those the window manager keeps.
+// The recording popover. It has the focus while open, so typed keys go nowhere else; the chord itself
+// comes from the model, which the input tap feeds with every key, including the global chords it
+// holds back. It must not grab the keyboard (as a menu-style popup would): that would keep the
+// global chords from ever reaching the tap. It closes when it loses the focus, like a popup.
 class RecordingPopover : public QFrame {
 public:
-    explicit RecordingPopover(QWidget* parent) : QFrame(parent, Qt::Popup) {
+    explicit RecordingPopover(QWidget* parent)
+        : QFrame(parent, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
         setFrameShape(QFrame::StyledPanel);
     }
 
@@ -38,6 +41,11 @@ protected:
         event->accept();
     }
     void keyReleaseEvent(QKeyEvent* event) override { event->accept(); }
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::WindowDeactivate && isVisible())
+            close();
+        return QFrame::event(event);
+    }
     void hideEvent(QHideEvent* event) override {
         QFrame::hideEvent(event);
         if (onHidden)
@@ -154,6 +162,8 @@ void KeyboardShortcutField::openPopover() {
     }
     m_popover->move(topLeft);
     m_popover->show();
+    m_popover->raise();
+    m_popover->activateWindow();
 }
 
 void KeyboardShortcutField::closePopover() {

@@ -11,7 +11,7 @@ namespace velmora {
 PreferencesWindow::PreferencesWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     setWindowTitle("Velmora Preferences");
     setWindowIcon(appIcon());
-    resize(720, 480);
+    resize(820, 560);
     auto* layout = new QHBoxLayout(this);
     m_list = new QListWidget();
     m_list->setFixedWidth(170);

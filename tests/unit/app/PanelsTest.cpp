@@ -97,7 +97,7 @@ TEST(AppDelegate, StartsInItsFixedOrder) {
     FakePlatform fake;
     AppDelegate app(fake.platform, QProcessEnvironment());
     app.applicationDidFinishLaunching();
-    EXPECT_EQ(app.startupSteps(), QStringList({"preferences", "statusItems", "welcome"}));
+    EXPECT_EQ(app.startupSteps(), QStringList({"preferences", "statusItems", "permissionPoll", "welcome"}));
     ASSERT_TRUE(app.menubarPopover());
     EXPECT_EQ(app.menubarPopover()->mainStatusItem()->autosaveName(), "Velmora");
     EXPECT_EQ(app.menubarPopover()->systemMonitoringItem()->autosaveName(), "Velmora:SystemMonitoring");
