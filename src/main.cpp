@@ -8,11 +8,13 @@
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11InputTap.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Permission.h"
 #include "platform/x11/X11Screens.h"
+#include "platform/x11/X11WindowServer.h"
 
 #include <QApplication>
 #include <cstdio>
@@ -53,8 +55,12 @@ Platform makeX11Platform() {
     platform.commands = std::make_unique<ProcessCommands>();
     platform.keyboardLayout = std::make_unique<X11KeyboardLayout>();
     platform.inputTap = std::make_unique<X11InputTap>();
-    if (x)
+    if (x) {
         platform.screens = std::make_unique<X11Screens>(*x);
+        platform.windowServer = std::make_unique<X11WindowServer>(*x);
+    }
+    if (auto own = X11Connection::open())
+        platform.accessibility = std::make_unique<X11Accessibility>(*own);
     return platform;
 }
 
@@ -75,7 +81,7 @@ int runAgent(int argc, char** argv) {
     }
 
     Platform platform = makeX11Platform();
-    if (!platform.screens) {
+    if (!platform.screens || !platform.accessibility) {
         std::fputs("velmora: cannot reach the X server.\n", stderr);
         return 1;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/WindowArea.h"
+#include "windowmanager/ZoneNumber.h"
 
 #include <QString>
 #include <vector>
@@ -26,8 +26,9 @@ struct AppAction {
     };
 
     Kind kind = Kind::noop;
-    std::vector<WindowArea> areas; // windowAreas: the zones bound to the pressed chord, in order
-    bool previous = false;         // openWindowSwitcher: start on the previous window
+    std::vector<UnitRect> candidates; // windowAreas: the zones of the pressed chord offered on the screen
+    int index = 0;                    // windowAreas: the one to snap to
+    bool previous = false;            // openWindowSwitcher: start on the previous window
 
     static QString name(Kind kind);
     QString name() const { return name(kind); }

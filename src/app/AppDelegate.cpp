@@ -39,6 +39,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     createPreferences();
     createStatusItems();
     startPermissionPoll();
+    startWindowManager();
     showWelcomeWindowIfNeeded();
 }
 
@@ -115,6 +116,55 @@ void AppDelegate::startPermissionPoll() {
         });
     m_accessibility->start();
     m_startupSteps << "permissionPoll";
+}
+
+// The window cache and the window actions: shortcuts snap, centre and move the focused window.
+void AppDelegate::startWindowManager() {
+    m_windowManagerModel = std::make_unique<WindowManagerModel>();
+    m_windowsCache = std::make_unique<WindowsCache>(*m_platform.windowServer, *m_platform.accessibility,
+                                                    qint32(QCoreApplication::applicationPid()),
+                                                    [] { return QDateTime::currentMSecsSinceEpoch(); });
+    m_windowActions = std::make_unique<WindowManagerActions>(
+        *m_windowsCache, *m_platform.accessibility, *m_platform.screens,
+        [this] { return m_preferences->windowManager.value(); }, m_windowManagerModel.get());
+
+    using Kind = AppAction::Kind;
+    m_dispatcher.setHandler(Kind::windowAreas, [this](const AppAction& a) {
+        m_windowActions->applyZone({a.candidates, a.index});
+    });
+    m_dispatcher.setHandler(Kind::centerWindow,
+                            [this](const AppAction&) { m_windowActions->centerWindow(); });
+    m_dispatcher.setHandler(Kind::makeWindow16By9,
+                            [this](const AppAction&) { m_windowActions->makeWindow16By9(); });
+    m_dispatcher.setHandler(Kind::moveWindowToScreen,
+                            [this](const AppAction&) { m_windowActions->moveWindowToScreen(); });
+    m_dispatcher.setHandler(Kind::matchSnappedWindowFrame,
+                            [this](const AppAction&) { m_windowActions->matchSnappedWindowFrame(); });
+
+    m_providers->set(ActionProviders::Slot::zoneShortcuts,
+                     [this](const KeyboardShortcut& chord) -> std::optional<KeyboardBinding> {
+                         if (!m_preferences->local.windowManagerEnabled())
+                             return std::nullopt;
+                         const auto choice = m_windowActions->zonesForChord(chord);
+                         if (!choice)
+                             return std::nullopt;
+                         AppAction action;
+                         action.kind = AppAction::Kind::windowAreas;
+                         action.candidates = choice->candidates;
+                         action.index = choice->index;
+                         return KeyboardBinding{chord, action, true, "windowAreas"};
+                     });
+    m_providers->addChordSource([this] {
+        std::vector<KeyboardShortcut> chords;
+        if (m_preferences->local.windowManagerEnabled())
+            for (const auto& area : m_preferences->windowManager.value().areas)
+                if (area.keyboardShortcut)
+                    chords.push_back(*area.keyboardShortcut);
+        return chords;
+    });
+    updateSwallowableChords();
+    m_windowsCache->start();
+    m_startupSteps << "windowCache";
 }
 
 void AppDelegate::updateSwallowableChords() {

@@ -13,6 +13,9 @@
 #include "platform/Platform.h"
 #include "ui/PreferencesWindow.h"
 #include "windowmanager/AccessibilityModel.h"
+#include "windowmanager/WindowManagerActions.h"
+#include "windowmanager/WindowManagerModel.h"
+#include "windowmanager/WindowsCache.h"
 
 #include <QPointer>
 #include <QProcessEnvironment>
@@ -47,6 +50,7 @@ public:
     KeyboardShortcutModel* shortcuts() { return m_shortcuts.get(); }
     EventTap* eventTap() { return m_eventTap.get(); }
     AccessibilityModel* accessibility() { return m_accessibility.get(); }
+    WindowsCache* windowsCache() { return m_windowsCache.get(); }
 
     void openPreferences();
     void quit();
@@ -55,6 +59,7 @@ private:
     void createPreferences();
     void createStatusItems();
     void startPermissionPoll();
+    void startWindowManager();
     void updateSwallowableChords();
     void logRefusedChords();
     void showWelcomeWindowIfNeeded();
@@ -73,6 +78,9 @@ private:
     std::unique_ptr<KeyboardShortcutModel> m_shortcuts;
     std::unique_ptr<EventTap> m_eventTap;
     std::unique_ptr<AccessibilityModel> m_accessibility;
+    std::unique_ptr<WindowManagerModel> m_windowManagerModel;
+    std::unique_ptr<WindowsCache> m_windowsCache;
+    std::unique_ptr<WindowManagerActions> m_windowActions;
     QSet<QString> m_loggedRefusals;
     std::unique_ptr<UserDefaultsObservable> m_welcomeSeen;
     std::unique_ptr<StandardWindowController> m_welcomeController;

@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 #include "ui/PreferencesWindow.h"
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QThread>
@@ -16,11 +17,22 @@ Json rectJson(const QRect& r) {
     return Json::array({r.x(), r.y(), r.width(), r.height()});
 }
 
+// A window as the user sees it: whether it is open, where, and its buttons (with their places on the
+// screen, so that scripts and tests can click them).
 Json windowJson(QWidget* w) {
     Json j = Json::object();
     j["open"] = w && w->isVisible();
-    if (w && w->isVisible())
-        j["frame"] = rectJson(w->geometry());
+    if (!w || !w->isVisible())
+        return j;
+    j["frame"] = rectJson(w->geometry());
+    Json buttons = Json::array();
+    for (auto* b : w->findChildren<QAbstractButton*>()) {
+        if (!b->isVisible() || b->text().isEmpty())
+            continue;
+        const QRect global(b->mapToGlobal(QPoint(0, 0)), b->size());
+        buttons.push_back({{"title", b->text()}, {"checked", b->isChecked()}, {"frame", rectJson(global)}});
+    }
+    j["buttons"] = buttons;
     return j;
 }
 
@@ -59,6 +71,7 @@ QString ControlCommands::usage() {
            "  preferences             open the preferences window\n"
            "  keyboard-cleaning on|off silence the whole keyboard (the mouse keeps working)\n"
            "  action NAME             carry out an application action, e.g. centerWindow\n"
+           "  windows                 the windows the window manager acts on, front to back\n"
            "  quit                    stop the agent\n";
 }
 
@@ -82,6 +95,8 @@ ControlReply ControlCommands::handle(const QStringList& args) {
         return quit();
     if (command == "keyboard-cleaning" && args.size() == 2)
         return keyboardCleaning(args[1]);
+    if (command == "windows" && args.size() == 1)
+        return windows();
     if (command == "action" && args.size() == 2)
         return action(args[1]);
     // For tests of the input tap: keeps the main thread busy, as a slow action would.
@@ -250,6 +265,23 @@ ControlReply ControlCommands::blockMainThread(const QString& milliseconds) {
         return ControlReply::failure("block-main-thread takes 0 to 10000 milliseconds");
     QThread::msleep(ms);
     return ControlReply::success({{"blocked", ms}});
+}
+
+ControlReply ControlCommands::windows() {
+    auto* cache = m_app.windowsCache();
+    if (!cache)
+        return ControlReply::failure("the window manager is not running");
+    const auto optionalText = [](const std::optional<QString>& s) { return s ? Json(*s) : Json(nullptr); };
+    Json list = Json::array();
+    for (const auto& w : cache->listWindows())
+        list.push_back({{"id", w.id},
+                        {"pid", w.pid},
+                        {"app", optionalText(w.appName)},
+                        {"title", optionalText(w.title)},
+                        {"frame", {w.frame.x, w.frame.y, w.frame.width, w.frame.height}},
+                        {"space", w.spaceId},
+                        {"focused", w.isFocused}});
+    return ControlReply::success(list);
 }
 
 ControlReply ControlCommands::quit() {

@@ -36,6 +36,7 @@ private:
     ControlReply panel(const QString& how);
     ControlReply preferences();
     ControlReply quit();
+    ControlReply windows();
     ControlReply keyboardCleaning(const QString& how);
     ControlReply action(const QString& name);
     ControlReply blockMainThread(const QString& milliseconds);

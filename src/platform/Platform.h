@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/Accessibility.h"
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
 #include "platform/InputTap.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
+#include "platform/WindowServer.h"
 
 #include <memory>
 
@@ -19,6 +21,8 @@ struct Platform {
     std::unique_ptr<Commands> commands;
     std::unique_ptr<KeyboardLayout> keyboardLayout;
     std::unique_ptr<InputTap> inputTap;
+    std::unique_ptr<WindowServer> windowServer;
+    std::unique_ptr<Accessibility> accessibility;
 };
 
 } // namespace velmora

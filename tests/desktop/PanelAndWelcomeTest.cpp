@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QThread>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -70,9 +71,12 @@ TEST(DropDownPanel, PreferencesButtonOpensThePreferencesWindow) {
     AgentUnderTest agent(desktop);
     ASSERT_TRUE(agent.start());
     ASSERT_TRUE(agent.json({"panel", "show"}));
-    const auto frame = agent.status()["panel"]["frame"];
-    // The first action row sits under the header.
-    click(desktop, {frame[0].get<int>() + 60, frame[1].get<int>() + 62});
+    const auto buttons = agent.status()["panel"]["buttons"];
+    const auto preferences = std::find_if(buttons.begin(), buttons.end(),
+                                          [](const Json& b) { return b["title"] == "Preferences…"; });
+    ASSERT_NE(preferences, buttons.end()) << buttons.dump();
+    const auto& f = (*preferences)["frame"];
+    click(desktop, {f[0].get<int>() + f[2].get<int>() / 2, f[1].get<int>() + f[3].get<int>() / 2});
     EXPECT_TRUE(waitUntil([&] { return isOpen(agent, "preferencesWindow"); }));
     EXPECT_FALSE(isOpen(agent, "panel"));
 }

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
+#include "platform/fake/FakeDesktop.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakePermission.h"
@@ -12,6 +13,7 @@ namespace velmora {
 
 // An in-memory desktop: one 1440 x 900 screen with a 25-point panel on top, unless a test says more.
 struct FakePlatform {
+    FakeDesktop desktop;
     Platform platform;
     FakeDefaults* defaults;
     FakeScreens* screens;
@@ -37,6 +39,8 @@ struct FakePlatform {
         platform.commands = std::move(c);
         platform.keyboardLayout = std::make_unique<FakeKeyboardLayout>();
         platform.inputTap = std::move(t);
+        platform.windowServer = std::make_unique<FakeWindowServer>(desktop);
+        platform.accessibility = std::make_unique<FakeAccessibility>(desktop);
     }
 };
 

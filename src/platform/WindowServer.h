@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/Rect.h"
+
+#include <QString>
+#include <optional>
+#include <set>
+#include <vector>
+
+namespace velmora {
+
+// One window as the window server lists it, before the window manager's own rules are applied.
+struct ServerWindow {
+    quint32 id = 0;
+    std::optional<int> layer; // 0: a normal application window; absent when unknown
+    qint32 pid = 0;           // 0 when the owner is unknown
+    Rect frame;               // outer frame, top-left space
+    std::optional<QString> ownerName;
+    quint64 spaceId = 0; // 0: unknown or on every space
+};
+
+// The windows shown on the desktop, front to back, and the spaces (virtual desktops) in view.
+class WindowServer {
+public:
+    virtual ~WindowServer() = default;
+
+    virtual std::vector<ServerWindow> onScreenWindows() const = 0;
+    // The process owning the active window; absent on an empty desktop.
+    virtual std::optional<qint32> frontmostApplicationPid() const = 0;
+    virtual std::set<quint64> currentSpaces() const = 0;
+};
+
+} // namespace velmora

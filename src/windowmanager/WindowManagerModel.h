@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/Rect.h"
+#include "core/WindowArea.h"
+
+#include <QObject>
+#include <QString>
+#include <optional>
+
+namespace velmora {
+
+// How windows are put in place; what each mode changes belongs to the snapping code.
+enum class WindowManagerMode { DraggingAndKeyboard, FillSpace, KeyboardOnly };
+
+// The zone the pointer is over, or that a shortcut just chose, with the frame it resolves to on the
+// window's screen (top-left space).
+struct SnapTarget {
+    WindowArea area;
+    Rect frame;
+
+    bool operator==(const SnapTarget&) const = default;
+};
+
+// The window manager's state that its on-screen pieces draw: the snap preview, the auto-layout panel,
+// the switcher's search. One instance, made by the app and handed to whoever reads it.
+class WindowManagerModel : public QObject {
+    Q_OBJECT
+public:
+    explicit WindowManagerModel(QObject* parent = nullptr);
+
+    WindowManagerMode mode() const { return m_mode; }
+    void setMode(WindowManagerMode mode);
+
+    const std::optional<SnapTarget>& snapTarget() const { return m_snapTarget; }
+    void setSnapTarget(std::optional<SnapTarget> target);
+
+    // The usable rectangle in which the preview is drawn.
+    const Rect& screenFrame() const { return m_screenFrame; }
+    void setScreenFrame(const Rect& frame);
+
+    // The auto-layout proposal joins here, between the screen frame and the search, with its panel.
+
+    const QString& searchQuery() const { return m_searchQuery; }
+    void setSearchQuery(const QString& query);
+
+signals:
+    // Any of the fields above changed; views redraw from the getters.
+    void changed();
+
+private:
+    template <class T> void assign(T& field, T value);
+
+    WindowManagerMode m_mode = WindowManagerMode::DraggingAndKeyboard;
+    std::optional<SnapTarget> m_snapTarget;
+    Rect m_screenFrame;
+    QString m_searchQuery;
+};
+
+} // namespace velmora

@@ -1,0 +1,114 @@
+#include "windowmanager/WindowSnapAreas.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmora {
+
+ScreenKind screenKind(double width, double height) {
+    const double r = width / height;
+    if (r < 1.0)
+        return ScreenKind::vertical;
+    if (r < 16.0 / 9.0)
+        return ScreenKind::laptop;
+    if (r < 21.0 / 9.0)
+        return ScreenKind::wide;
+    if (r < 32.0 / 9.0)
+        return ScreenKind::ultrawide;
+    return ScreenKind::superUltrawide;
+}
+
+bool isAvailableOn(const WindowArea& area, ScreenKind kind) {
+    switch (kind) {
+    case ScreenKind::vertical:
+        return area.availableOnVerticalScreen;
+    case ScreenKind::laptop:
+        return area.availableOnMacbookScreen;
+    case ScreenKind::wide:
+        return area.availableOnWideScreen;
+    case ScreenKind::ultrawide:
+        return area.availableOnUltrawideScreen;
+    case ScreenKind::superUltrawide:
+        return area.availableOnSuperUltrawideScreen;
+    }
+    return false;
+}
+
+double snapGap(const Rect& usable, double spacing) {
+    return std::min(usable.width, usable.height) * spacing * 0.017;
+}
+
+std::vector<WindowArea> zonesForChord(const std::vector<WindowArea>& areas, const KeyboardShortcut& chord) {
+    std::vector<WindowArea> zones;
+    for (const auto& a : areas)
+        if (a.keyboardShortcut && a.keyboardShortcut->matches(chord))
+            zones.push_back(a);
+    return zones;
+}
+
+namespace {
+
+std::optional<double> sizeOrPoints(const QString& text) {
+    if (auto unit = parseZoneSize(text))
+        return unit;
+    bool ok = false;
+    const double points = text.trimmed().toDouble(&ok);
+    if (ok && std::isfinite(points) && points > 1)
+        return points;
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<UnitRect> zoneRect(const WindowArea& area) {
+    const auto x = parseZonePosition(area.x), y = parseZonePosition(area.y);
+    const auto w = sizeOrPoints(area.w), h = sizeOrPoints(area.h);
+    if (!x || !y || !w || !h)
+        return std::nullopt;
+    return UnitRect{*x, *y, *w, *h};
+}
+
+std::optional<ZoneChoice> chooseZone(const std::vector<WindowArea>& zones, const Rect& U,
+                                     const std::optional<Rect>& W) {
+    if (U.isEmpty())
+        return std::nullopt;
+    const ScreenKind kind = screenKind(U.width, U.height);
+    ZoneChoice choice;
+    for (const auto& zone : zones)
+        if (isAvailableOn(zone, kind))
+            if (auto rect = zoneRect(zone))
+                choice.candidates.push_back(*rect);
+    if (choice.candidates.empty())
+        return std::nullopt;
+    if (!W)
+        return choice;
+    const UnitRect current{(W->minX() - U.minX()) / U.width, (W->minY() - U.minY()) / U.height,
+                           W->width / U.width, W->height / U.height};
+    const auto near = [](double a, double b) { return std::abs(a - b) < 0.01; };
+    for (std::size_t i = 0; i < choice.candidates.size(); ++i) {
+        const auto& c = choice.candidates[i];
+        if (near(c.x, current.x) && near(c.y, current.y) && near(c.x + c.w, current.x + current.w) &&
+            near(c.y + c.h, current.y + current.h)) {
+            choice.index = int((i + 1) % choice.candidates.size());
+            break;
+        }
+    }
+    return choice;
+}
+
+Rect zoneFrame(const UnitRect& z, const Rect& U, double g) {
+    if (z.w > 1 || z.h > 1) {
+        // A size in points, centred like the centre action.
+        const double width = z.w > 1 ? z.w : z.w * U.width, height = z.h > 1 ? z.h : z.h * U.height;
+        return {U.minX() + (U.width - width) / 2, U.minY() + (U.height - height) / 2, width, height};
+    }
+    const double gx = g / U.width, gy = g / U.height;
+    const double x = z.x == 0 ? gx : z.x + 0.5 * gx;
+    const double y = z.y == 0 ? gy : z.y + 0.5 * gy;
+    const double fx = 1.0 + (z.x == 0 ? 0.5 : 0) + (z.x + z.w == 1 ? 0.5 : 0);
+    const double fy = 1.0 + (z.y == 0 ? 0.5 : 0) + (z.y + z.h == 1 ? 0.5 : 0);
+    const double w = z.w - gx * fx, h = z.h - gy * fy;
+    return {U.minX() + x * U.width, U.minY() + y * U.height, w * U.width, h * U.height};
+}
+
+} // namespace velmora
