@@ -136,6 +136,15 @@ ControlReply ControlCommands::status() {
         j["tap"] = {
             {"state", tapStateName(tap->state())}, {"recreations", tap->recreations()}, {"refused", refused}};
     }
+    if (auto* keys = m_app.shortcuts()) {
+        j["keyboard"] = {
+            {"control", keys->control()},
+            {"alt", keys->alt()},
+            {"command", keys->command()},
+            {"shift", keys->shift()},
+            {"keyCode", keys->keyCode() ? Json(*keys->keyCode()) : Json(nullptr)},
+            {"repeating", keys->previousBinding() ? Json(keys->previousBinding()->id) : Json(nullptr)}};
+    }
     const auto& dispatcher = m_app.dispatcher();
     j["lastAction"] = dispatcher.dispatchCount() == 0 ? Json(nullptr)
                                                       : Json{{"action", dispatcher.lastAction()},

@@ -13,7 +13,6 @@ namespace {
 constexpr int kPreferredWidth = 160;
 // Room for the screen's outline so that it is not clipped at the widget's edge.
 constexpr double kMargin = 1.5;
-const QColor kWarning(0xE0, 0x8A, 0x00);
 
 } // namespace
 
@@ -53,6 +52,10 @@ void WindowAreaView::setOpacity(double opacity) {
     update();
 }
 
+QColor WindowAreaView::warningColor() {
+    return {0xE0, 0x8A, 0x00};
+}
+
 QSize WindowAreaView::sizeHint() const {
     const double aspect = m_screenSize.height() / m_screenSize.width();
     return {kPreferredWidth, std::max(1, int(kPreferredWidth * aspect + 0.5))};
@@ -82,16 +85,17 @@ void WindowAreaView::paintEvent(QPaintEvent*) {
 
     const std::optional<UnitRect> unit = m_isValid ? parseZone(m_area) : std::nullopt;
     if (!unit) {
-        QColor fill = kWarning;
+        const QColor warning = warningColor();
+        QColor fill = warning;
         fill.setAlphaF(0.15f);
-        painter.setPen(QPen(kWarning, 1.5));
+        painter.setPen(QPen(warning, 1.5));
         painter.setBrush(fill);
         painter.drawRoundedRect(screen, radius, radius);
         QPainterPath clip;
         clip.addRoundedRect(screen, radius, radius);
         painter.setClipPath(clip);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(QBrush(kWarning, Qt::BDiagPattern));
+        painter.setBrush(QBrush(warning, Qt::BDiagPattern));
         painter.drawRect(screen);
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "core/WindowArea.h"
 
+#include <QColor>
 #include <QSizeF>
 #include <QWidget>
 
@@ -26,6 +27,9 @@ public:
     void setCornerRadius(double radius);
     double opacity() const { return m_opacity; }
     void setOpacity(double opacity);
+
+    // The colour of anything that cannot be used as it stands, shared with the editor's marks.
+    static QColor warningColor();
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

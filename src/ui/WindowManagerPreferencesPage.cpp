@@ -142,6 +142,7 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     m_list->setObjectName(QStringLiteral("zones"));
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setMinimumWidth(150);
+    m_list->setMaximumWidth(220);
     m_list->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     listColumn->addWidget(m_list, 1);
     auto* buttons = new QHBoxLayout;
@@ -224,6 +225,10 @@ QWidget* WindowManagerPreferencesPage::makeEditor(KeyboardShortcutModel& model,
         QSizePolicy keepPlace = mark->sizePolicy();
         keepPlace.setRetainSizeWhenHidden(true);
         mark->setSizePolicy(keepPlace);
+        QPalette markColors = mark->palette();
+        markColors.setColor(QPalette::WindowText, WindowAreaView::warningColor());
+        mark->setPalette(markColors);
+        mark->setContentsMargins(0, 0, 8, 0);
         mark->hide();
         const int row = int(i / 2);
         const int col = int(i % 2) * 3;

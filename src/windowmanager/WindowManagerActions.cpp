@@ -53,8 +53,10 @@ void WindowManagerActions::applyZone(const ZoneChoice& choice) {
     const auto target = targetFor(window->frame);
     if (!target)
         return;
+    // The same binding fires again when its chord is pressed again while held: the zone to use next
+    // is decided by where the window is now, not by where it was when the binding was matched.
     const auto& zone =
-        choice.candidates[std::clamp<std::size_t>(choice.index, 0, choice.candidates.size() - 1)];
+        choice.candidates[std::size_t(cycleIndex(choice.candidates, target->usable, window->frame))];
     const Rect frame = zoneFrame(zone, target->usable, target->gap);
     const Point at = placeWindow(m_access, window->id, frame, target->usable, target->gap);
     snapped({at.x, at.y, frame.width, frame.height}, target->usable);

@@ -80,20 +80,23 @@ std::optional<ZoneChoice> chooseZone(const std::vector<WindowArea>& zones, const
                 choice.candidates.push_back(*rect);
     if (choice.candidates.empty())
         return std::nullopt;
-    if (!W)
-        return choice;
+    choice.index = cycleIndex(choice.candidates, U, W);
+    return choice;
+}
+
+int cycleIndex(const std::vector<UnitRect>& candidates, const Rect& U, const std::optional<Rect>& W) {
+    if (!W || U.isEmpty())
+        return 0;
     const UnitRect current{(W->minX() - U.minX()) / U.width, (W->minY() - U.minY()) / U.height,
                            W->width / U.width, W->height / U.height};
     const auto near = [](double a, double b) { return std::abs(a - b) < 0.01; };
-    for (std::size_t i = 0; i < choice.candidates.size(); ++i) {
-        const auto& c = choice.candidates[i];
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        const auto& c = candidates[i];
         if (near(c.x, current.x) && near(c.y, current.y) && near(c.x + c.w, current.x + current.w) &&
-            near(c.y + c.h, current.y + current.h)) {
-            choice.index = int((i + 1) % choice.candidates.size());
-            break;
-        }
+            near(c.y + c.h, current.y + current.h))
+            return int((i + 1) % candidates.size());
     }
-    return choice;
+    return 0;
 }
 
 Rect zoneFrame(const UnitRect& z, const Rect& U, double g) {

@@ -35,6 +35,10 @@ struct ZoneChoice {
 std::optional<ZoneChoice> chooseZone(const std::vector<WindowArea>& zones, const Rect& usable,
                                      const std::optional<Rect>& windowFrame);
 
+// The cycle rule alone: the index after the candidate the window sits in, 0 when it sits in none.
+int cycleIndex(const std::vector<UnitRect>& candidates, const Rect& usable,
+               const std::optional<Rect>& windowFrame);
+
 // The frame (top-left space) of a unit rectangle in a usable rectangle: a full gap against the screen
 // edges and half a gap on each side between zones that meet.
 Rect zoneFrame(const UnitRect& zone, const Rect& usable, double gap);

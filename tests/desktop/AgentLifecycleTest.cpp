@@ -40,7 +40,8 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
     EXPECT_EQ(status["pid"].get<qint64>(), agent.process()->processId());
     EXPECT_TRUE(status["platform"]["usable"].get<bool>()) << status.dump();
     EXPECT_EQ(status["startup"],
-              AgentUnderTest::Json::parse(R"(["preferences","statusItems","permissionPoll","welcome"])"));
+              AgentUnderTest::Json::parse(
+                  R"(["preferences","statusItems","permissionPoll","windowCache","welcome"])"));
     EXPECT_FALSE(status["monitoringItem"]["visible"].get<bool>());
 }
 

@@ -306,6 +306,13 @@ void X11TapWorker::handle(xcb_generic_event_t* event) {
     const std::uint8_t type = event->response_type & 0x7f;
     if (type == XCB_KEY_PRESS) {
         handleGrabbedKeyPress(reinterpret_cast<xcb_key_press_event_t*>(event));
+    } else if (type == XCB_KEY_RELEASE) {
+        // The release of a swallowed chord's key comes through the grab, not as a raw event.
+        const auto* release = reinterpret_cast<xcb_key_release_event_t*>(event);
+        const auto keyCode = virtualKeyCode(release->detail);
+        if (m_state == InputTap::State::active && !m_keyboardGrabActive && keyCode &&
+            !isModifierKey(release->detail))
+            m_delegate.deliver({TapEventType::KeyUp, flagsFromX(release->state), *keyCode, false}, false);
     } else if (type == XCB_GE_GENERIC) {
         auto* ge = reinterpret_cast<xcb_ge_generic_event_t*>(event);
         if (ge->extension == m_xinputOpcode && m_state == InputTap::State::active)

@@ -97,7 +97,8 @@ TEST(AppDelegate, StartsInItsFixedOrder) {
     FakePlatform fake;
     AppDelegate app(fake.platform, QProcessEnvironment());
     app.applicationDidFinishLaunching();
-    EXPECT_EQ(app.startupSteps(), QStringList({"preferences", "statusItems", "permissionPoll", "welcome"}));
+    EXPECT_EQ(app.startupSteps(),
+              QStringList({"preferences", "statusItems", "permissionPoll", "windowCache", "welcome"}));
     ASSERT_TRUE(app.menubarPopover());
     EXPECT_EQ(app.menubarPopover()->mainStatusItem()->autosaveName(), "Velmora");
     EXPECT_EQ(app.menubarPopover()->systemMonitoringItem()->autosaveName(), "Velmora:SystemMonitoring");

@@ -1,0 +1,130 @@
+// Snapping by shortcut with real windows under Openbox on a 1440 x 900 screen (no panel, so the
+// usable rectangle is the whole screen): the frames a user gets, read back from the window manager.
+#include "AgentUnderTest.h"
+#include "TestWindow.h"
+
+#include <QThread>
+#include <gtest/gtest.h>
+
+namespace {
+
+using Json = AgentUnderTest::Json;
+
+struct SnapDesktop : ::testing::Test {
+    VirtualDesktop desktop{{1440, 900, false}};
+    AgentUnderTest agent{desktop};
+    std::unique_ptr<TestWindow> window;
+
+    void SetUp() override { ASSERT_TRUE(agent.start()); }
+
+    void openWindow(const QStringList& args = {}) {
+        window = std::make_unique<TestWindow>(desktop, "snap", args);
+        ASSERT_TRUE(window->waitUntilMapped());
+        window->activate();
+        ASSERT_TRUE(waitUntil([&] { return focusedFrame().has_value(); }))
+            << agent.command({"windows"}).out.toStdString();
+        ASSERT_TRUE(waitUntil([&] { return agent.status()["tap"].value("state", "") == "active"; }));
+    }
+    std::optional<Json> focusedFrame() const {
+        const auto windows = agent.json({"windows"});
+        if (!windows)
+            return std::nullopt;
+        for (const auto& w : *windows)
+            if (w["focused"].get<bool>() && w["title"] == "snap")
+                return w["frame"];
+        return std::nullopt;
+    }
+    // Presses a chord and waits for the window to settle in the expected frame.
+    ::testing::AssertionResult snapsTo(const QString& chord, const char* expected) {
+        desktop.run("xdotool", {"key", chord});
+        const auto want = Json::parse(expected);
+        std::optional<Json> got;
+        if (waitUntil([&] { return (got = focusedFrame()) && *got == want; }, 3000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+               << chord.toStdString() << " gave " << (got ? got->dump() : "nothing") << ", expected "
+               << want.dump();
+    }
+    void setWindowManagerPreferences(const std::function<void(Json&)>& change) {
+        auto record = agent.json({"prefs", "get", "WindowManagerPreferences"});
+        ASSERT_TRUE(record);
+        change(*record);
+        ASSERT_TRUE(
+            agent.json({"prefs", "set", "WindowManagerPreferences", QString::fromStdString(record->dump())}));
+        QThread::msleep(200); // the grabs follow the new zones
+    }
+};
+
+} // namespace
+
+TEST_F(SnapDesktop, FactoryChordsGiveTheZoneFramesWithGaps) {
+    openWindow();
+    // spacing 0.5: gap 900 x 0.5 x 0.017 = 7.65 points, a full gap at the edges, half between zones.
+    EXPECT_TRUE(snapsTo("super+alt+Left", "[7, 7, 708, 884]"));
+    EXPECT_TRUE(snapsTo("super+alt+Right", "[723, 7, 708, 884]"));
+    EXPECT_TRUE(snapsTo("super+alt+u", "[7, 7, 708, 438]"));
+    EXPECT_TRUE(snapsTo("super+alt+i", "[723, 7, 708, 438]"));
+    EXPECT_TRUE(snapsTo("super+alt+j", "[7, 453, 708, 438]"));
+    EXPECT_TRUE(snapsTo("super+alt+k", "[723, 453, 708, 438]"));
+    EXPECT_TRUE(snapsTo("super+alt+Up", "[7, 7, 1424, 884]")); // "Custom": the whole screen
+    // 1424 x 884 fits: centring keeps the size.
+    EXPECT_TRUE(snapsTo("super+alt+c", "[8, 8, 1424, 884]"));
+    // 16:9 of the same area is wider than the screen: 80 % of it, centred.
+    EXPECT_TRUE(snapsTo("super+alt+f", "[144, 90, 1152, 720]"));
+}
+
+TEST_F(SnapDesktop, ChordWithNoZoneForThisScreenReachesTheWindowOnce) {
+    openWindow();
+    // "Bottom Half" is offered on portrait screens only: the chord is held for it but passes here.
+    desktop.run("xdotool", {"key", "super+alt+Down"});
+    desktop.run("xdotool", {"type", "q"});
+    ASSERT_TRUE(waitUntil([&] { return window->countLines("key 81 ") == 1; }));
+    EXPECT_EQ(window->countLines(QString("key %1 ").arg(0x01000015)), 1)
+        << window->output().toStdString(); // Qt::Key_Down
+}
+
+TEST_F(SnapDesktop, WiderSpacingWidensTheGap) {
+    setWindowManagerPreferences([](Json& r) { r["spacing"] = 1.0; });
+    openWindow();
+    // gap 15.3: x = 15.3, width 720 - 22.95 = 697.05, both truncated.
+    EXPECT_TRUE(snapsTo("super+alt+Left", "[15, 15, 697, 869]"));
+}
+
+TEST_F(SnapDesktop, ZonesSharingAChordAreCycled) {
+    setWindowManagerPreferences([](Json& r) {
+        // No gap, so the window sits exactly in its zone; a left two-thirds zone on the left-half chord.
+        r["spacing"] = 0.0;
+        Json twoThirds = r["areas"][1];
+        twoThirds["id"] = "5E6C4B1A-1111-4222-8333-944455556666";
+        twoThirds["name"] = "Left Two Thirds";
+        twoThirds["w"] = "2/3";
+        r["areas"].insert(r["areas"].begin() + 2, twoThirds);
+    });
+    openWindow();
+    EXPECT_TRUE(snapsTo("super+alt+Left", "[0, 0, 720, 900]"));
+    EXPECT_TRUE(snapsTo("super+alt+Left", "[0, 0, 960, 900]"));
+    EXPECT_TRUE(snapsTo("super+alt+Left", "[0, 0, 720, 900]"));
+}
+
+TEST_F(SnapDesktop, MinimumSizeIsCorrectedInsideTheScreen) {
+    openWindow({"--min-size", "900x600"});
+    // The right half is 708 wide but the window will not go below 902 (900 plus its border): it is
+    // moved left by the overshoot so that it stays on the screen.
+    EXPECT_TRUE(snapsTo("super+alt+Right", "[529, 7, 902, 884]"));
+    EXPECT_TRUE(snapsTo("super+alt+u", "[7, 7, 902, 625]"));
+}
+
+TEST_F(SnapDesktop, ActionsFromTheCommandLineAndAVanishedWindow) {
+    openWindow();
+    ASSERT_TRUE(agent.json({"action", "centerWindow"}));
+    const auto frame = focusedFrame();
+    ASSERT_TRUE(frame);
+    EXPECT_NEAR((*frame)[0].get<double>() + (*frame)[2].get<double>() / 2, 720, 1);
+    // The window closes; the shortcuts do nothing and the agent carries on.
+    window->process()->kill();
+    window->process()->waitForFinished(3000);
+    desktop.run("xdotool", {"key", "super+alt+Left"});
+    ASSERT_TRUE(agent.json({"action", "makeWindow16By9"}));
+    EXPECT_TRUE(agent.json({"status"}));
+    EXPECT_EQ(agent.json({"windows"}), Json::array());
+}
