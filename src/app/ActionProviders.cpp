@@ -61,6 +61,15 @@ bool slotEnabled(ActionProviders::Slot slot, UserPreferences& prefs) {
     }
 }
 
+// "Enable window switcher" switches its two chords off (they are left to other programs then).
+bool actionEnabled(KeyboardAppAction id, UserPreferences& prefs) {
+    if (id == KeyboardAppAction::switchWindow || id == KeyboardAppAction::switchWindowPrevious)
+        return prefs.windowManager.value().enableWindowSwitcher;
+    if (id == KeyboardAppAction::proposeAutoLayout)
+        return prefs.windowManager.value().enableAutoLayout;
+    return true;
+}
+
 } // namespace
 
 void ActionProviders::set(Slot slot, Provider provider) {
@@ -101,6 +110,8 @@ ActionProviders ActionProviders::forPreferences(UserPreferences& prefs) {
             for (const auto& g : globalActions()) {
                 if (g.slot != slot)
                     continue;
+                if (!actionEnabled(g.id, prefs))
+                    continue;
                 const auto& bound = bindings.shortcut(g.id);
                 if (bound && bound->matches(chord))
                     return KeyboardBinding{*bound, g.action, true, rawName(g.id)};
@@ -111,7 +122,7 @@ ActionProviders ActionProviders::forPreferences(UserPreferences& prefs) {
     providers.addChordSource([&prefs] {
         std::vector<KeyboardShortcut> chords;
         for (const auto& g : globalActions())
-            if (slotEnabled(g.slot, prefs))
+            if (slotEnabled(g.slot, prefs) && actionEnabled(g.id, prefs))
                 if (const auto& bound = prefs.keyboardBindings.value().shortcut(g.id))
                     chords.push_back(*bound);
         return chords;

@@ -9,6 +9,7 @@
 #include "ui/PreferencesWindow.h"
 #include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
+#include "ui/WindowManagerPreferencesPage.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -211,6 +212,10 @@ void AppDelegate::openPreferences() {
     if (!m_preferencesWindow) {
         m_preferencesWindow = new PreferencesWindow();
         m_preferencesWindow->addPage("General", new GeneralPreferencesPage(*m_preferences));
+        if (m_shortcuts)
+            m_preferencesWindow->addPage(
+                WindowManagerPreferencesPage::kTitle,
+                new WindowManagerPreferencesPage(*m_preferences, *m_shortcuts, *m_platform.keyboardLayout));
         if (m_shortcuts)
             m_preferencesWindow->addPage("Keyboard Shortcuts", new KeyboardShortcutsPreferencesPage(
                                                                    *m_preferences, *m_shortcuts,
