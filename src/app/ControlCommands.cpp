@@ -113,6 +113,11 @@ ControlReply ControlCommands::status() {
     j["platform"] = {{"usable", permission.trusted}};
     if (!permission.trusted)
         j["platform"]["reason"] = permission.reason;
+    const auto rect = [](const Rect& r) { return Json::array({r.x, r.y, r.width, r.height}); };
+    j["screens"] = Json::array();
+    for (const auto& s : m_app.platform().screens->screens())
+        j["screens"].push_back(
+            {{"id", s.id}, {"frame", rect(s.frame)}, {"visibleFrame", rect(s.visibleFrame)}});
     j["startup"] = Json::array();
     for (const auto& step : m_app.startupSteps())
         j["startup"].push_back(step);

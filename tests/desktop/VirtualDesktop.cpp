@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QRegularExpression>
 #include <QThread>
 #include <csignal>
@@ -23,15 +24,15 @@ VirtualDesktop::VirtualDesktop(Options options) : m_options(options) {
     QFile::setPermissions(m_home.path() + "/runtime",
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 
-    // -displayfd 1: Xvfb picks a free display and writes its number to standard output.
-    auto* xvfb = start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
-                                QString("%1x%2x24").arg(m_options.width).arg(m_options.height)});
-    if (!xvfb->waitForReadyRead(10000))
+    auto* server = startServer();
+    if (!server->waitForReadyRead(15000))
         return;
-    const QString number = QString::fromLatin1(xvfb->readLine()).trimmed();
+    const QString number = QString::fromLatin1(server->readLine()).trimmed();
     if (number.isEmpty())
         return;
     m_display = ":" + number;
+    if (m_options.twoMonitors)
+        splitIntoTwoMonitors();
 
     start("openbox", {"--config-file", OPENBOX_CONFIG});
     waitUntil([this] {
@@ -43,6 +44,42 @@ VirtualDesktop::VirtualDesktop(Options options) : m_options(options) {
                          "--tint", "0x303030"});
         waitUntil([this] { return run("xprop", {"-name", "panel", "WM_CLASS"}).exitCode == 0; });
     }
+}
+
+// -displayfd 1: the server picks a free display and writes its number to standard output.
+QProcess* VirtualDesktop::startServer() {
+    if (!m_options.twoMonitors)
+        return start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
+                              QString("%1x%2x24").arg(m_options.width).arg(m_options.height)});
+    const QString config = m_home.path() + "/xorg.conf";
+    QFile file(config);
+    file.open(QIODevice::WriteOnly);
+    file.write(
+        QString("Section \"Device\"\n Identifier \"dummy\"\n Driver \"dummy\"\n VideoRam 256000\nEndSection\n"
+                "Section \"Monitor\"\n Identifier \"m\"\n HorizSync 5.0 - 1000.0\n VertRefresh 5.0 - 200.0\n"
+                "EndSection\n"
+                "Section \"Screen\"\n Identifier \"s\"\n Device \"dummy\"\n Monitor \"m\"\n DefaultDepth 24\n"
+                " SubSection \"Display\"\n  Depth 24\n  Virtual %1 %2\n EndSubSection\nEndSection\n")
+            .arg(2 * m_options.width)
+            .arg(m_options.height)
+            .toLatin1());
+    file.close();
+    return start("Xorg", {"-displayfd", "1", "-config", config, "-noreset", "-nolisten", "tcp", "-logfile",
+                          m_home.path() + "/xorg.log"});
+}
+
+void VirtualDesktop::splitIntoTwoMonitors() {
+    // One output as wide as both, then two RandR monitors on it: what the agent reads as two screens.
+    const int w = m_options.width, h = m_options.height;
+    const QString mode = QString("%1x%2").arg(2 * w).arg(h);
+    run("xrandr", {"--newmode", mode, "200", QString::number(2 * w), QString::number(2 * w + 100),
+                   QString::number(2 * w + 200), QString::number(2 * w + 300), QString::number(h),
+                   QString::number(h + 3), QString::number(h + 10), QString::number(h + 30)});
+    run("xrandr", {"--addmode", "DUMMY0", mode});
+    run("xrandr", {"--output", "DUMMY0", "--mode", mode});
+    const QString size = QString("%1/381x%2/238").arg(w).arg(h);
+    run("xrandr", {"--setmonitor", "LEFT", size + "+0+0", "DUMMY0"});
+    run("xrandr", {"--setmonitor", "RIGHT", size + QString("+%1+0").arg(w), "none"});
 }
 
 VirtualDesktop::~VirtualDesktop() {

@@ -17,6 +17,9 @@ public:
         int width = 1440;
         int height = 900;
         bool tray = true;
+        // Two monitors side by side, each width x height. Xvfb has a single RandR output and ignores
+        // added monitors, so this desktop runs on Xorg's dummy driver instead.
+        bool twoMonitors = false;
     };
     VirtualDesktop() : VirtualDesktop(Options{}) {}
     explicit VirtualDesktop(Options options);
@@ -42,6 +45,9 @@ public:
     QString pixel(int x, int y) const;
 
 private:
+    QProcess* startServer();
+    void splitIntoTwoMonitors();
+
     Options m_options;
     QTemporaryDir m_home;
     QString m_display;

@@ -128,3 +128,44 @@ TEST_F(SnapDesktop, ActionsFromTheCommandLineAndAVanishedWindow) {
     EXPECT_TRUE(agent.json({"status"}));
     EXPECT_EQ(agent.json({"windows"}), Json::array());
 }
+
+TEST(TwoMonitors, ZonesUseTheWindowsMonitorAndNextScreenCentresOnTheOther) {
+    // Two 1440 x 900 monitors; the tray host sits at the top right of the first one, so only that one
+    // loses 24 points at the top.
+    VirtualDesktop desktop{{1440, 900, true, true}};
+    ASSERT_TRUE(desktop.isReady());
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["tap"].value("state", "") == "active"; }));
+    const auto screens = agent.status()["screens"];
+    ASSERT_EQ(screens.size(), 2u) << screens.dump();
+    EXPECT_EQ(screens[0]["visibleFrame"], Json::parse("[0, 0, 1440, 876]")); // screen space: y up
+    EXPECT_EQ(screens[1]["visibleFrame"], Json::parse("[1440, 0, 1440, 900]"));
+
+    TestWindow window(desktop, "snap");
+    ASSERT_TRUE(window.waitUntilMapped());
+    window.activate();
+    const auto frame = [&]() -> std::optional<Json> {
+        const auto windows = agent.json({"windows"});
+        if (!windows || windows->empty())
+            return std::nullopt;
+        return (*windows)[0]["frame"];
+    };
+    const auto settlesAt = [&](const char* chord, const char* expected) {
+        desktop.run("xdotool", {"key", chord});
+        const auto want = Json::parse(expected);
+        std::optional<Json> got;
+        const bool ok = waitUntil([&] { return (got = frame()) && *got == want; }, 3000);
+        return ok ? ::testing::AssertionSuccess()
+                  : ::testing::AssertionFailure()
+                        << chord << ": " << (got ? got->dump() : "nothing") << " != " << want.dump();
+    };
+    // Gap 876 x 0.5 x 0.017 below the tray on the first monitor.
+    EXPECT_TRUE(settlesAt("super+alt+Left", "[7, 31, 708, 861]"));
+    // Next screen: centred on the second monitor, same size.
+    EXPECT_TRUE(settlesAt("super+alt+m", "[1806, 19, 708, 861]"));
+    // There the zones use the whole monitor: gap 900 x 0.5 x 0.017.
+    EXPECT_TRUE(settlesAt("super+alt+Left", "[1447, 7, 708, 884]"));
+    // Back on the first one the window is taller than its usable height: 80 % of it, centred.
+    EXPECT_TRUE(settlesAt("super+alt+m", "[144, 111, 1152, 700]"));
+}
