@@ -142,6 +142,12 @@ void AppDelegate::startWindowManager() {
     m_dispatcher.setHandler(Kind::matchSnappedWindowFrame,
                             [this](const AppAction&) { m_windowActions->matchSnappedWindowFrame(); });
 
+    m_windowSwitcher = std::make_unique<WindowSwitcher>(
+        *m_windowsCache, *m_platform.accessibility, *m_platform.screens, *m_shortcuts,
+        *m_platform.keyboardLayout, [this] { return m_preferences->theme.value().windowSwitcherWidth; });
+    m_dispatcher.setHandler(Kind::openWindowSwitcher,
+                            [this](const AppAction& a) { m_windowSwitcher->open(a.previous); });
+
     m_providers->set(ActionProviders::Slot::zoneShortcuts,
                      [this](const KeyboardShortcut& chord) -> std::optional<KeyboardBinding> {
                          if (!m_preferences->local.windowManagerEnabled())

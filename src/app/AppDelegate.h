@@ -12,6 +12,7 @@
 #include "clipboard/KeyboardCleaningModel.h"
 #include "platform/Platform.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/WindowSwitcher.h"
 #include "windowmanager/AccessibilityModel.h"
 #include "windowmanager/WindowManagerActions.h"
 #include "windowmanager/WindowManagerModel.h"
@@ -51,6 +52,7 @@ public:
     EventTap* eventTap() { return m_eventTap.get(); }
     AccessibilityModel* accessibility() { return m_accessibility.get(); }
     WindowsCache* windowsCache() { return m_windowsCache.get(); }
+    WindowSwitcher* windowSwitcher() { return m_windowSwitcher.get(); }
 
     void openPreferences();
     void quit();
@@ -81,6 +83,7 @@ private:
     std::unique_ptr<WindowManagerModel> m_windowManagerModel;
     std::unique_ptr<WindowsCache> m_windowsCache;
     std::unique_ptr<WindowManagerActions> m_windowActions;
+    std::unique_ptr<WindowSwitcher> m_windowSwitcher;
     QSet<QString> m_loggedRefusals;
     std::unique_ptr<UserDefaultsObservable> m_welcomeSeen;
     std::unique_ptr<StandardWindowController> m_welcomeController;

@@ -134,6 +134,13 @@ ControlReply ControlCommands::status() {
         j["welcomeWindow"] = windowJson(welcome->window());
     j["preferencesWindow"] = windowJson(m_app.preferencesWindow());
     j["keyboardCleaning"] = m_app.keyboardCleaning().isOn();
+    if (auto* switcher = m_app.windowSwitcher()) {
+        Json rows = Json::array();
+        for (const auto& w : switcher->rows())
+            rows.push_back((w.appName.value_or("") + " — " + w.title.value_or("")).toStdString());
+        j["switcher"] = {
+            {"open", switcher->isOpen()}, {"rows", rows}, {"selected", switcher->selectedIndex()}};
+    }
     if (auto* tap = m_app.eventTap()) {
         Json refused = Json::array();
         for (const auto& r : tap->refusedChords())

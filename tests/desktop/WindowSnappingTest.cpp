@@ -169,3 +169,50 @@ TEST(TwoMonitors, ZonesUseTheWindowsMonitorAndNextScreenCentresOnTheOther) {
     // Back on the first one the window is taller than its usable height: 80 % of it, centred.
     EXPECT_TRUE(settlesAt("super+alt+m", "[144, 111, 1152, 700]"));
 }
+
+TEST(WindowSwitcher, AltTabSwitchesToThePreviousWindowOnRelease) {
+    VirtualDesktop desktop{{1440, 900, false}};
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    TestWindow first(desktop, "first"), second(desktop, "second");
+    ASSERT_TRUE(first.waitUntilMapped());
+    ASSERT_TRUE(second.waitUntilMapped());
+    const auto focusedTitle = [&]() -> std::string {
+        const auto windows = agent.json({"windows"});
+        if (windows)
+            for (const auto& w : *windows)
+                if (w["focused"].get<bool>())
+                    return w["title"];
+        return "";
+    };
+    first.activate();
+    ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "first"; }));
+    QThread::msleep(700); // the focus history is sampled twice a second
+    second.activate();
+    ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "second"; }));
+    QThread::msleep(700);
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["tap"].value("state", "") == "active"; }));
+
+    // Alt held, Tab pressed: the switcher opens on the window used before; letting go of Alt picks it.
+    desktop.run("xdotool", {"keydown", "alt", "key", "Tab"});
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["switcher"].value("open", false); }));
+    const auto switcher = agent.status()["switcher"];
+    EXPECT_EQ(switcher["rows"], Json::parse(R"(["testwin — second", "testwin — first"])")) << switcher.dump();
+    EXPECT_EQ(switcher["selected"], 1);
+    desktop.run("xdotool", {"keyup", "alt"});
+    EXPECT_TRUE(waitUntil([&] { return focusedTitle() == "first"; })) << focusedTitle();
+    EXPECT_FALSE(agent.status()["switcher"].value("open", true));
+
+    // Switched off in the preferences, the chord is left to the focused window.
+    auto record = agent.json({"prefs", "get", "WindowManagerPreferences"});
+    ASSERT_TRUE(record);
+    (*record)["enableWindowSwitcher"] = false;
+    ASSERT_TRUE(
+        agent.json({"prefs", "set", "WindowManagerPreferences", QString::fromStdString(record->dump())}));
+    QThread::msleep(300);
+    desktop.run("xdotool", {"key", "alt+Tab"});
+    EXPECT_TRUE(
+        waitUntil([&] { return first.countLines(QString("key %1 ").arg(0x01000001)) == 1; })) // Qt::Key_Tab
+        << first.output().toStdString();
+    EXPECT_FALSE(agent.status()["switcher"].value("open", true));
+}
