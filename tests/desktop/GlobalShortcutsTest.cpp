@@ -4,6 +4,7 @@
 #include "TestWindow.h"
 
 #include <QThread>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -117,6 +118,23 @@ TEST_F(ShortcutDesktop, KeyboardCleaningSwallowsKeysButNotClicks) {
     EXPECT_EQ(dispatchCount(agent), 0);
 
     ASSERT_TRUE(agent.json({"keyboard-cleaning", "off"}));
+    window->activate();
+    settle("k");
+    EXPECT_EQ(window->countLines("key 75 "), 1);
+}
+
+TEST_F(ShortcutDesktop, CleaningIsEndedByClickingItsSwitchInThePanel) {
+    ASSERT_TRUE(agent.json({"keyboard-cleaning", "on"}));
+    ASSERT_TRUE(agent.json({"panel", "show"}));
+    const auto buttons = agent.status()["panel"]["buttons"];
+    const auto toggle = std::find_if(buttons.begin(), buttons.end(),
+                                     [](const Json& b) { return b["title"] == "Keyboard Cleaning"; });
+    ASSERT_NE(toggle, buttons.end()) << buttons.dump();
+    EXPECT_TRUE((*toggle)["checked"].get<bool>());
+    const auto& f = (*toggle)["frame"];
+    desktop.run("xdotool", {"mousemove", QString::number(f[0].get<int>() + 10),
+                            QString::number(f[1].get<int>() + f[3].get<int>() / 2), "click", "1"});
+    EXPECT_TRUE(waitUntil([&] { return !agent.status()["keyboardCleaning"].get<bool>(); }));
     window->activate();
     settle("k");
     EXPECT_EQ(window->countLines("key 75 "), 1);
