@@ -9,14 +9,14 @@ setup:
 
 build: setup
 	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(PRESET)
-	@cmake --build $(BUILD)
+	@cmake --build $(BUILD) --target velmora
 
 run: build
 	@tools/run-agent $(BUILD)/velmora
 
 test: setup
 	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(if $(CI),ci,$(PRESET))
-	@cmake --build $(BUILD)
+	@cmake --build $(BUILD) --target velmora
 	@tools/check-format
 	@cd $(BUILD) && ctest --output-on-failure --timeout 300
 
