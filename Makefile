@@ -16,7 +16,7 @@ run: build
 
 test: setup
 	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(if $(CI),ci,$(PRESET))
-	@cmake --build $(BUILD) --target velmora
+	@cmake --build $(BUILD)
 	@tools/check-format
 	@cd $(BUILD) && ctest --output-on-failure --timeout 300
 
