@@ -4,8 +4,10 @@
 #include "core/MainThread.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QStandardPaths>
 #include <QSysInfo>
 #include <QTimeZone>
 #include <cstdio>
@@ -68,8 +70,10 @@ bool LoggingManager::exportTo(const QString& path, QString* error) const {
 }
 
 void LoggingManager::exportWithDialog(QWidget* parent) const {
-    const QString path =
-        QFileDialog::getSaveFileName(parent, "Save Logs", "logs.json", "JSON (*.json)", nullptr);
+    // Proposed in the user's documents, not wherever the agent happened to be started from.
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString path = QFileDialog::getSaveFileName(parent, "Save Logs", QDir(folder).filePath("logs.json"),
+                                                      "JSON (*.json)", nullptr);
     if (!path.isEmpty())
         exportTo(path);
 }
