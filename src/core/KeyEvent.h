@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <Qt>
 #include <cstdint>
 
 namespace velmora {
@@ -12,6 +13,20 @@ inline constexpr std::uint64_t Shift = 0x20000;
 inline constexpr std::uint64_t Control = 0x40000;
 inline constexpr std::uint64_t Option = 0x80000;
 inline constexpr std::uint64_t Command = 0x100000;
+
+// The masks of the toolkit's modifiers: Ctrl is Command and Meta (Super) is Control.
+inline std::uint64_t fromQt(Qt::KeyboardModifiers m) {
+    std::uint64_t flags = 0;
+    if (m & Qt::ShiftModifier)
+        flags |= Shift;
+    if (m & Qt::ControlModifier)
+        flags |= Command;
+    if (m & Qt::MetaModifier)
+        flags |= Control;
+    if (m & Qt::AltModifier)
+        flags |= Option;
+    return flags;
+}
 } // namespace ModifierMask
 
 // Virtual key codes used in records and matching, shared across platforms.

@@ -34,9 +34,15 @@ std::vector<WindowInfo> WindowsCache::listWindows() const {
 }
 
 std::optional<WindowInfo> WindowsCache::focusedWindow() const {
-    for (const auto& w : listWindows())
-        if (w.isFocused)
-            return w;
+    // Every keyboard action starts here, while a key may be waiting for its verdict: read the
+    // details of the focused window only, not of every window.
+    for (const auto& w : listCGWindows(m_server, m_ownPid)) {
+        if (!w.isFocused)
+            continue;
+        if (!m_access.frame(w.id))
+            return std::nullopt; // it went away since the listing
+        return WindowInfo{w.id, w.pid, w.frame, true, w.spaceId, m_access.title(w.id), w.appName};
+    }
     return std::nullopt;
 }
 

@@ -45,14 +45,7 @@ KeyEvent FakeKeyboardLayout::translate(const QKeyEvent& event) const {
     KeyEvent e;
     e.keyCode = keyCodeOf(event.key());
     const auto m = event.modifiers();
-    if (m & Qt::ShiftModifier)
-        e.modifierFlags |= ModifierMask::Shift;
-    if (m & Qt::ControlModifier)
-        e.modifierFlags |= ModifierMask::Command;
-    if (m & Qt::MetaModifier)
-        e.modifierFlags |= ModifierMask::Control;
-    if (m & Qt::AltModifier)
-        e.modifierFlags |= ModifierMask::Option;
+    e.modifierFlags = ModifierMask::fromQt(m);
     if (event.key() >= Qt::Key_A && event.key() <= Qt::Key_Z) {
         const QChar c = QChar(event.key());
         e.characters = (m & Qt::ShiftModifier) ? QString(c) : QString(c.toLower());

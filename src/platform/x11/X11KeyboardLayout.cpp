@@ -10,19 +10,6 @@ namespace velmora {
 
 namespace {
 
-std::uint64_t modifierFlags(Qt::KeyboardModifiers m) {
-    std::uint64_t flags = 0;
-    if (m & Qt::ShiftModifier)
-        flags |= ModifierMask::Shift;
-    if (m & Qt::ControlModifier)
-        flags |= ModifierMask::Command;
-    if (m & Qt::MetaModifier)
-        flags |= ModifierMask::Control;
-    if (m & Qt::AltModifier)
-        flags |= ModifierMask::Option;
-    return flags;
-}
-
 // The text of a keysym with Shift applied but without Ctrl, which Qt's own text() folds into
 // control characters.
 QString charactersOf(xkb_keysym_t keysym) {
@@ -38,7 +25,7 @@ KeyEvent X11KeyboardLayout::translate(const QKeyEvent& event) const {
     const auto keysym = static_cast<xkb_keysym_t>(event.nativeVirtualKey());
     KeyEvent result;
     result.keyCode = virtualKeyCodeForKeysym(keysym).value_or(0xFFFF);
-    result.modifierFlags = modifierFlags(event.modifiers());
+    result.modifierFlags = ModifierMask::fromQt(event.modifiers());
     result.characters = charactersOf(keysym);
     return result;
 }
