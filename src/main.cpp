@@ -1,17 +1,19 @@
 // The composition root: picks the X11 backend, builds the platform and starts the agent, or acts as
 // the agent's command-line client when given a command.
 #include "Version.h"
-#include "app/AppDelegate.h"
-#include "app/ControlClient.h"
-#include "app/ControlCommands.h"
-#include "app/ControlServer.h"
+#include "agent/AppDelegate.h"
+#include "agent/ControlClient.h"
+#include "agent/ControlCommands.h"
+#include "agent/ControlServer.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11EventHub.h"
 #include "platform/x11/X11InputTap.h"
 #include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11Log.h"
 #include "platform/x11/X11Permission.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowServer.h"
@@ -26,8 +28,16 @@ namespace {
 int runClient(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
+    if (args.value(0) == "--version" || args.value(0) == "-v") {
+        std::printf("velmora %s\n", kVersion);
+        return 0;
+    }
     if (args.value(0) == "--help" || args.value(0) == "-h" || args.value(0) == "help") {
-        std::fputs(ControlCommands::usage().toUtf8().constData(), stdout);
+        // The running agent knows every module's commands; without one, the agent's own are listed.
+        if (const auto answer = ControlClient::request({"help"}, 1000); answer && answer->ok)
+            std::fputs(answer->result.get<std::string>().c_str(), stdout);
+        else
+            std::fputs(ControlCommands::usage().toUtf8().constData(), stdout);
         return 0;
     }
     return ControlClient::run(args);
@@ -47,20 +57,28 @@ bool hasX11Display() {
     return false;
 }
 
-Platform makeX11Platform() {
-    const auto x = X11Connection::fromApplication();
+// The X11 backend: the event hub on the toolkit's connection keeps the window and screen models; the
+// accessibility service has a connection of its own, so that it can wait for the window manager.
+std::optional<Platform> makeX11Platform() {
+    auto qtConnection = X11Connection::borrowApplication();
+    auto own = X11Connection::open();
+    if (!qtConnection || !own)
+        return std::nullopt;
+    X11RequestProbe probe;
+    probe.add(qtConnection->connection());
+    probe.add(own->connection());
+    auto hub = std::make_shared<X11EventHub>(std::move(*qtConnection));
+    auto windowServer = std::make_unique<X11WindowServer>(*hub);
     Platform platform;
+    platform.backendResources.push_back(hub);
     platform.defaults = std::make_unique<SettingsDefaults>();
-    platform.permission = std::make_unique<X11Permission>(x);
+    platform.permission = std::make_unique<X11Permission>(&hub->x());
     platform.commands = std::make_unique<ProcessCommands>();
     platform.keyboardLayout = std::make_unique<X11KeyboardLayout>();
-    platform.inputTap = std::make_unique<X11InputTap>();
-    if (x) {
-        platform.screens = std::make_unique<X11Screens>(*x);
-        platform.windowServer = std::make_unique<X11WindowServer>(*x);
-    }
-    if (auto own = X11Connection::open())
-        platform.accessibility = std::make_unique<X11Accessibility>(*own);
+    platform.inputTap = std::make_unique<X11InputTap>(probe);
+    platform.screens = std::make_unique<X11Screens>(*hub, *windowServer);
+    platform.accessibility = std::make_unique<X11Accessibility>(std::move(*own), *windowServer);
+    platform.windowServer = std::move(windowServer);
     return platform;
 }
 
@@ -80,12 +98,12 @@ int runAgent(int argc, char** argv) {
         return 0;
     }
 
-    Platform platform = makeX11Platform();
-    if (!platform.screens || !platform.accessibility) {
+    auto platform = makeX11Platform();
+    if (!platform) {
         std::fputs("velmora: cannot reach the X server.\n", stderr);
         return 1;
     }
-    AppDelegate delegate(platform, QProcessEnvironment::systemEnvironment());
+    AppDelegate delegate(*platform, QProcessEnvironment::systemEnvironment());
     ControlCommands commands(delegate);
     ControlServer server(commands);
     QString error;

@@ -1,17 +1,14 @@
 #pragma once
 
-#include "app/KeyboardBinding.h"
+#include "app/ActionProvider.h"
 
-#include <functional>
-#include <optional>
+#include <memory>
 #include <vector>
 
 namespace velmora {
 
-class UserPreferences;
-
-// The action providers, asked in a fixed order for a pressed chord; the first answer wins. Each area
-// puts its provider into its slot as it lands.
+// The action providers, asked in a fixed order for a pressed chord; the first answer wins. Each module
+// puts its providers into their slots.
 class ActionProviders {
 public:
     enum class Slot {
@@ -23,22 +20,25 @@ public:
         clipboardHistory,
         application,
     };
-    using Provider = std::function<std::optional<KeyboardBinding>(const KeyboardShortcut& chord)>;
 
-    void set(Slot slot, Provider provider);
+    void add(Slot slot, std::unique_ptr<ActionProvider> provider);
+
     std::optional<KeyboardBinding> match(const KeyboardShortcut& chord) const;
+    // The same binding asked again (the repeat rule): its provider decides afresh, so a zone chord
+    // pressed again cycles from where the window stands now. Absent when it no longer answers.
+    std::optional<KeyboardBinding> rematch(const KeyboardBinding& binding) const;
 
-    // Every chord some provider could answer now (what the platform must be ready to swallow).
-    using ChordSource = std::function<std::vector<KeyboardShortcut>()>;
-    void addChordSource(ChordSource source) { m_chordSources.push_back(std::move(source)); }
+    // Every modifier chord some provider can answer now: what the platform must be ready to swallow.
     std::vector<KeyboardShortcut> swallowableChords() const;
 
-    // The global actions of KeyboardBindings, each in its provider's slot.
-    static ActionProviders forPreferences(UserPreferences& preferences);
-
 private:
-    std::vector<std::pair<Slot, Provider>> m_providers;
-    std::vector<ChordSource> m_chordSources;
+    struct Entry {
+        Slot slot;
+        std::unique_ptr<ActionProvider> provider;
+    };
+    std::optional<KeyboardBinding> ask(const Entry& entry, const KeyboardShortcut& chord) const;
+
+    std::vector<Entry> m_entries;
 };
 
 } // namespace velmora

@@ -1,37 +1,51 @@
 #include "app/AppAction.h"
 
+#include <array>
+
 namespace velmora {
 
-QString AppAction::name(Kind kind) {
-    switch (kind) {
-    case Kind::windowAreas:
-        return "windowAreas";
-    case Kind::openWindowSwitcher:
-        return "openWindowSwitcher";
-    case Kind::moveWindowToScreen:
-        return "moveWindowToScreen";
-    case Kind::centerWindow:
-        return "centerWindow";
-    case Kind::makeWindow16By9:
-        return "makeWindow16By9";
-    case Kind::proposeAutoLayout:
-        return "proposeAutoLayout";
-    case Kind::navigateWindowSwitcher:
-        return "navigateWindowSwitcher";
-    case Kind::openClipboardHistory:
-        return "openClipboardHistory";
-    case Kind::performDirectPastePlainText:
-        return "performDirectPastePlainText";
-    case Kind::toggleMonitorDimming:
-        return "toggleMonitorDimming";
-    case Kind::openSystemMonitoringDashboard:
-        return "openSystemMonitoringDashboard";
-    case Kind::matchSnappedWindowFrame:
-        return "matchSnappedWindowFrame";
-    case Kind::noop:
-        return "noop";
-    }
-    return "noop";
+namespace {
+
+constexpr std::array<const char*, std::variant_size_v<AppAction>> kNames{
+    "windowAreas",
+    "openWindowSwitcher",
+    "moveWindowToScreen",
+    "centerWindow",
+    "makeWindow16By9",
+    "proposeAutoLayout",
+    "navigateWindowSwitcher",
+    "openClipboardHistory",
+    "performDirectPastePlainText",
+    "toggleMonitorDimming",
+    "openSystemMonitoringDashboard",
+    "matchSnappedWindowFrame",
+    "noop",
+};
+
+template <std::size_t... I> AppAction defaultAction(std::size_t index, std::index_sequence<I...>) {
+    AppAction result = action::Noop{};
+    ((index == I ? (result = std::variant_alternative_t<I, AppAction>{}, 0) : 0), ...);
+    return result;
+}
+
+} // namespace
+
+QString actionName(const AppAction& action) {
+    return kNames[action.index()];
+}
+
+QStringList allActionNames() {
+    QStringList names;
+    for (const char* name : kNames)
+        names << name;
+    return names;
+}
+
+std::optional<AppAction> actionFromName(const QString& name) {
+    for (std::size_t i = 0; i < kNames.size(); ++i)
+        if (name == kNames[i])
+            return defaultAction(i, std::make_index_sequence<std::variant_size_v<AppAction>>{});
+    return std::nullopt;
 }
 
 } // namespace velmora

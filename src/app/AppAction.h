@@ -1,37 +1,58 @@
 #pragma once
 
-#include "windowmanager/ZoneNumber.h"
+#include "core/UnitRect.h"
 
 #include <QString>
+#include <QStringList>
+#include <optional>
+#include <variant>
 #include <vector>
 
 namespace velmora {
 
-// What a shortcut or a menu asks the application to do, with its arguments.
-struct AppAction {
-    enum class Kind {
-        windowAreas,
-        openWindowSwitcher,
-        moveWindowToScreen,
-        centerWindow,
-        makeWindow16By9,
-        proposeAutoLayout,
-        navigateWindowSwitcher,
-        openClipboardHistory,
-        performDirectPastePlainText,
-        toggleMonitorDimming,
-        openSystemMonitoringDashboard,
-        matchSnappedWindowFrame,
-        noop,
-    };
-
-    Kind kind = Kind::noop;
-    std::vector<UnitRect> candidates; // windowAreas: the zones of the pressed chord offered on the screen
-    int index = 0;                    // windowAreas: the one to snap to
-    bool previous = false;            // openWindowSwitcher: start on the previous window
-
-    static QString name(Kind kind);
-    QString name() const { return name(kind); }
+// What a shortcut, a menu or the command line asks the application to do, one type per action with
+// its arguments.
+namespace action {
+// The zones of the pressed chord offered on the window's screen, and the one to snap to.
+struct WindowAreas {
+    std::vector<UnitRect> candidates;
+    int index = 0;
+    bool operator==(const WindowAreas&) const = default;
 };
+struct OpenWindowSwitcher {
+    bool previous = false; // start on the previous window
+    bool operator==(const OpenWindowSwitcher&) const = default;
+};
+#define VELMORA_PLAIN_ACTION(Name)                                                                           \
+    struct Name {                                                                                            \
+        bool operator==(const Name&) const = default;                                                        \
+    }
+VELMORA_PLAIN_ACTION(MoveWindowToScreen);
+VELMORA_PLAIN_ACTION(CenterWindow);
+VELMORA_PLAIN_ACTION(MakeWindow16By9);
+VELMORA_PLAIN_ACTION(ProposeAutoLayout);
+VELMORA_PLAIN_ACTION(NavigateWindowSwitcher);
+VELMORA_PLAIN_ACTION(OpenClipboardHistory);
+VELMORA_PLAIN_ACTION(PerformDirectPastePlainText);
+VELMORA_PLAIN_ACTION(ToggleMonitorDimming);
+VELMORA_PLAIN_ACTION(OpenSystemMonitoringDashboard);
+VELMORA_PLAIN_ACTION(MatchSnappedWindowFrame);
+VELMORA_PLAIN_ACTION(Noop);
+#undef VELMORA_PLAIN_ACTION
+} // namespace action
+
+using AppAction =
+    std::variant<action::WindowAreas, action::OpenWindowSwitcher, action::MoveWindowToScreen,
+                 action::CenterWindow, action::MakeWindow16By9, action::ProposeAutoLayout,
+                 action::NavigateWindowSwitcher, action::OpenClipboardHistory,
+                 action::PerformDirectPastePlainText, action::ToggleMonitorDimming,
+                 action::OpenSystemMonitoringDashboard, action::MatchSnappedWindowFrame, action::Noop>;
+
+// The action's name as the command line and the logs spell it ("centerWindow").
+QString actionName(const AppAction& action);
+// Every action name, in declaration order.
+QStringList allActionNames();
+// The action of a name, with default arguments; absent for an unknown name.
+std::optional<AppAction> actionFromName(const QString& name);
 
 } // namespace velmora

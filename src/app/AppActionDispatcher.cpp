@@ -7,25 +7,33 @@ namespace velmora {
 AppActionDispatcher::AppActionDispatcher(LoggingManager& log, QObject* parent)
     : QObject(parent), m_log(log) {}
 
-void AppActionDispatcher::setHandler(AppAction::Kind kind, Handler handler) {
-    m_handlers.insert(int(kind), std::move(handler));
+std::optional<QString> AppActionDispatcher::unavailableReason(const AppAction& action) const {
+    if (std::holds_alternative<action::Noop>(action))
+        return std::nullopt;
+    const auto it = m_handlers.constFind(int(action.index()));
+    if (it == m_handlers.constEnd())
+        return QString("%1 is not available in this version").arg(actionName(action));
+    if (it->availability) {
+        const QString reason = it->availability();
+        if (!reason.isEmpty())
+            return reason;
+    }
+    return std::nullopt;
 }
 
-void AppActionDispatcher::dispatch(const AppAction& action, const QString& source) {
+bool AppActionDispatcher::dispatch(const AppAction& action, const QString& source) {
     assertMainThread("AppActionDispatcher::dispatch");
-    m_lastAction = action.name();
+    if (const auto reason = unavailableReason(action)) {
+        VELMORA_LOG(m_log, LogContext::Default, LogLevel::Info, *reason + ".");
+        return false;
+    }
+    m_lastAction = actionName(action);
     m_lastSource = source;
     ++m_count;
     emit dispatched(m_lastAction, source);
-    if (action.kind == AppAction::Kind::noop)
-        return;
-    const auto it = m_handlers.constFind(int(action.kind));
-    if (it == m_handlers.constEnd()) {
-        VELMORA_LOG(m_log, LogContext::Default, LogLevel::Info,
-                    QString("%1 is not available yet in this version.").arg(action.name()));
-        return;
-    }
-    (*it)(action);
+    if (const auto it = m_handlers.constFind(int(action.index())); it != m_handlers.constEnd())
+        it->run(action);
+    return true;
 }
 
 } // namespace velmora

@@ -8,17 +8,31 @@
 
 namespace velmora {
 
-// Carries out application actions on the main thread through a table of handlers that each area
-// fills in. An action whose area has not registered a handler is logged as not available.
+// Carries out application actions on the main thread through a table of handlers that each module
+// fills in. An action is available when a handler is registered and its availability check (a
+// switched-off feature) raises no objection; only available actions are matched, grabbed or run.
 class AppActionDispatcher : public QObject {
     Q_OBJECT
 public:
-    using Handler = std::function<void(const AppAction&)>;
+    // The reason an action cannot run now, or an empty string when it can.
+    using Availability = std::function<QString()>;
 
     explicit AppActionDispatcher(LoggingManager& log, QObject* parent = nullptr);
 
-    void setHandler(AppAction::Kind kind, Handler handler);
-    void dispatch(const AppAction& action, const QString& source);
+    template <class Action>
+    void setHandler(std::function<void(const Action&)> handler, Availability availability = {}) {
+        m_handlers.insert(
+            int(AppAction(Action{}).index()),
+            {[handler = std::move(handler)](const AppAction& a) { handler(std::get<Action>(a)); },
+             std::move(availability)});
+    }
+
+    // Why the action cannot run now; absent when it can.
+    std::optional<QString> unavailableReason(const AppAction& action) const;
+    bool isAvailable(const AppAction& action) const { return !unavailableReason(action); }
+
+    // Runs the action; false (with the reason logged) when it is unavailable.
+    bool dispatch(const AppAction& action, const QString& source);
 
     // The last action dispatched and what asked for it (a binding's id, "command line"), for status.
     const QString& lastAction() const { return m_lastAction; }
@@ -29,8 +43,12 @@ signals:
     void dispatched(const QString& action, const QString& source);
 
 private:
+    struct Entry {
+        std::function<void(const AppAction&)> run;
+        Availability availability;
+    };
     LoggingManager& m_log;
-    QHash<int, Handler> m_handlers;
+    QHash<int, Entry> m_handlers;
     QString m_lastAction;
     QString m_lastSource;
     int m_count = 0;

@@ -1,17 +1,13 @@
 #include "app/EventTap.h"
 
 #include "app/LoggingManager.h"
-#include "clipboard/KeyboardCleaningModel.h"
 #include "core/MainThread.h"
 
 namespace velmora {
 
-EventTap::EventTap(InputTap& platform, KeyboardShortcutModel& model, KeyboardCleaningModel& cleaning,
-                   LoggingManager& log, std::function<double()> now, QObject* parent)
-    : QObject(parent), m_platform(platform), m_model(model), m_cleaning(cleaning), m_log(log),
-      m_now(std::move(now)) {
-    connect(&m_cleaning, &KeyboardCleaningModel::isOnChanged, this,
-            [this](bool on) { m_platform.setKeyboardGrabbed(on); });
+EventTap::EventTap(InputTap& platform, KeyboardShortcutModel& model, LoggingManager& log,
+                   std::function<qint64()> now, QObject* parent)
+    : QObject(parent), m_platform(platform), m_model(model), m_log(log), m_now(std::move(now)) {
     connect(&m_platform, &InputTap::grabsRefused, this, [this](const std::vector<RefusedChord>& chords) {
         m_refused = chords;
         emit refusedChordsChanged();
@@ -23,7 +19,7 @@ TapVerdict EventTap::callback(const TapEvent& event) {
     m_lastEventTime = m_now();
     if (dragHandler)
         dragHandler(event);
-    if (m_cleaning.isOn())
+    if (m_silenced)
         return event.isMouse() ? TapVerdict::pass : TapVerdict::swallow;
     return m_model.keyboardStep(event);
 }
@@ -34,13 +30,13 @@ void EventTap::watchdog() {
     // nothing for a while, possibly disabled by the platform, after the quiet period.
     const auto state = m_platform.state();
     const bool exists = state == InputTap::State::active || state == InputTap::State::disabledByTimeout;
-    if (exists && m_now() - m_lastEventTime < kQuietSeconds)
+    if (exists && m_now() - m_lastEventTime < kQuietMs)
         return;
     create();
 }
 
 void EventTap::create() {
-    m_platform.invalidate();
+    // The platform replaces a tap it has; a healthy one is renewed in place, which is cheap.
     if (!m_platform.create([this](const TapEvent& e) { return callback(e); }))
         VELMORA_LOG(m_log, LogContext::Default, LogLevel::Error, "The input tap could not be created.");
     else if (m_recreations == 0 || m_platform.state() != InputTap::State::active)
@@ -48,6 +44,11 @@ void EventTap::create() {
                     QString("Input tap %1.").arg(tapStateName(m_platform.state())));
     ++m_recreations;
     m_lastEventTime = m_now();
+}
+
+void EventTap::setKeyboardSilenced(bool silenced) {
+    m_silenced = silenced;
+    m_platform.setKeyboardGrabbed(silenced);
 }
 
 void EventTap::invalidate() {

@@ -7,7 +7,6 @@
 
 namespace velmora {
 
-class KeyboardCleaningModel;
 class LoggingManager;
 
 // The one tap of the process: every key and left-mouse event passes through callback(), which offers
@@ -17,10 +16,11 @@ class LoggingManager;
 class EventTap : public QObject {
     Q_OBJECT
 public:
-    static constexpr double kQuietSeconds = 15;
+    static constexpr qint64 kQuietMs = 15000;
 
-    EventTap(InputTap& platform, KeyboardShortcutModel& model, KeyboardCleaningModel& cleaning,
-             LoggingManager& log, std::function<double()> now, QObject* parent = nullptr);
+    // now: wall-clock milliseconds.
+    EventTap(InputTap& platform, KeyboardShortcutModel& model, LoggingManager& log,
+             std::function<qint64()> now, QObject* parent = nullptr);
 
     TapVerdict callback(const TapEvent& event);
     void watchdog();
@@ -29,10 +29,14 @@ public:
     // The left-mouse handling of the window manager; its result does not decide whether the event passes.
     std::function<void(const TapEvent&)> dragHandler;
 
+    // While silenced every key of every keyboard is swallowed and the mouse stays free (keyboard cleaning).
+    void setKeyboardSilenced(bool silenced);
+    bool isKeyboardSilenced() const { return m_silenced; }
+
     void setSwallowableChords(const std::vector<KeyboardShortcut>& chords);
     const std::vector<RefusedChord>& refusedChords() const { return m_refused; }
     InputTap::State state() const { return m_platform.state(); }
-    double lastEventTime() const { return m_lastEventTime; }
+    qint64 lastEventTime() const { return m_lastEventTime; }
     int recreations() const { return m_recreations; }
 
 signals:
@@ -43,10 +47,10 @@ private:
 
     InputTap& m_platform;
     KeyboardShortcutModel& m_model;
-    KeyboardCleaningModel& m_cleaning;
     LoggingManager& m_log;
-    std::function<double()> m_now;
-    double m_lastEventTime = 0;
+    std::function<qint64()> m_now;
+    qint64 m_lastEventTime = 0;
+    bool m_silenced = false;
     int m_recreations = 0;
     std::vector<RefusedChord> m_refused;
 };

@@ -68,7 +68,7 @@ TapVerdict KeyboardShortcutModel::match(const KeyboardShortcut& chord) {
     // The same chord again fires the same binding again: zones sharing a chord cycle this way.
     std::optional<KeyboardBinding> binding;
     if (m_previousBinding && m_previousBinding->shortcut == chord)
-        binding = m_previousBinding;
+        binding = m_rematcher ? m_rematcher(*m_previousBinding) : m_previousBinding;
     else if (m_matcher)
         binding = m_matcher(chord);
     m_previousBinding = binding;

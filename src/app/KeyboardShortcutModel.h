@@ -18,7 +18,11 @@ public:
     using Matcher = std::function<std::optional<KeyboardBinding>(const KeyboardShortcut&)>;
     using Dispatcher = std::function<void(const KeyboardBinding&)>;
 
+    using Rematcher = std::function<std::optional<KeyboardBinding>(const KeyboardBinding&)>;
+
     KeyboardShortcutModel(Matcher matcher, Dispatcher dispatcher, QObject* parent = nullptr);
+    // Asked for the binding again when its chord repeats; without one the binding fires unchanged.
+    void setRematcher(Rematcher rematcher) { m_rematcher = std::move(rematcher); }
 
     // The keyboard step of the tap: updates the state and says whether the event is swallowed.
     TapVerdict keyboardStep(const TapEvent& event);
@@ -44,6 +48,7 @@ private:
     TapVerdict match(const KeyboardShortcut& chord);
 
     Matcher m_matcher;
+    Rematcher m_rematcher;
     Dispatcher m_dispatcher;
     int m_interactionCount = 0;
     bool m_isRecording = false;

@@ -25,6 +25,13 @@ public:
     // Each returns once the window manager has applied (or refused) the change.
     virtual void setPosition(quint32 window, Point topLeft) = 0;
     virtual void setSize(quint32 window, Size size) = 0;
+    // Position and size in one request, then the frame the window really took (a program may keep a
+    // minimum size); absent when the window is gone. The default asks position, size and frame in turn.
+    virtual std::optional<Rect> setFrame(quint32 window, const Rect& frame) {
+        setPosition(window, {frame.x, frame.y});
+        setSize(window, {frame.width, frame.height});
+        return this->frame(window);
+    }
     virtual void raise(quint32 window) = 0;
     // Makes the window the active one; with activateApplication its program comes forward too.
     virtual void focus(quint32 window, bool activateApplication) = 0;

@@ -38,6 +38,9 @@ public:
     virtual void setSwallowableChords(const std::vector<KeyboardShortcut>& chords) = 0;
     // While on, every key of every keyboard is held back from all applications (the mouse stays free).
     virtual void setKeyboardGrabbed(bool grabbed) = 0;
+    // What the backend counts of its own work (verdicts asked, server requests made meanwhile), for
+    // status and the benchmarks.
+    virtual std::vector<std::pair<QString, qint64>> counters() const { return {}; }
 
 signals:
     void grabsRefused(const std::vector<RefusedChord>& chords);

@@ -10,11 +10,14 @@
 #include "platform/WindowServer.h"
 
 #include <memory>
+#include <vector>
 
 namespace velmora {
 
 // The services of one backend, built by main() (or a test) and handed down to the app.
 struct Platform {
+    // What the services share and must outlive them (a backend's connection, its event hub).
+    std::vector<std::shared_ptr<void>> backendResources;
     std::unique_ptr<Defaults> defaults;
     std::unique_ptr<Screens> screens;
     std::unique_ptr<Permission> permission;

@@ -17,6 +17,8 @@ public:
     // The screen the user is working on: the one holding the focused window, else the one under
     // the pointer. Absent only when there are no screens at all.
     virtual std::optional<ScreenInfo> mainScreen() const = 0;
+    // The screens asked of the server directly, bypassing any memory: to check that memory against.
+    virtual std::vector<ScreenInfo> screensAfresh() const { return screens(); }
 };
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "core/Rect.h"
 
+#include <QObject>
 #include <QString>
 #include <optional>
 #include <set>
@@ -17,17 +18,32 @@ struct ServerWindow {
     Rect frame;               // outer frame, top-left space
     std::optional<QString> ownerName;
     quint64 spaceId = 0; // 0: unknown or on every space
+    std::optional<QString> title;
+
+    bool operator==(const ServerWindow&) const = default;
 };
 
-// The windows shown on the desktop, front to back, and the spaces (virtual desktops) in view.
-class WindowServer {
+// The windows shown on the desktop, front to back, and the spaces (virtual desktops) in view. A
+// backend that can watch the desktop answers from memory and announces every change; the others
+// answer afresh on each call and announce nothing (their users poll).
+class WindowServer : public QObject {
+    Q_OBJECT
 public:
-    virtual ~WindowServer() = default;
+    using QObject::QObject;
+    ~WindowServer() override = default;
 
     virtual std::vector<ServerWindow> onScreenWindows() const = 0;
     // The process owning the active window; absent on an empty desktop.
     virtual std::optional<qint32> frontmostApplicationPid() const = 0;
     virtual std::set<quint64> currentSpaces() const = 0;
+    // The windows asked of the server directly, bypassing any memory: to check that memory against.
+    virtual std::vector<ServerWindow> listAfresh() const { return onScreenWindows(); }
+
+signals:
+    // A window appeared or went, moved, was renamed, or changed its desktop or state.
+    void windowsChanged();
+    void activeWindowChanged();
+    void spacesChanged();
 };
 
 } // namespace velmora

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/PanelRows.h"
+
 #include <QWidget>
 #include <functional>
 
@@ -9,14 +11,14 @@ class QVBoxLayout;
 namespace velmora {
 
 // The content of the drop-down panel: a header and a column of actions that each area adds to.
-class DropDownPanelView : public QWidget {
+class DropDownPanelView : public QWidget, public PanelRows {
     Q_OBJECT
 public:
     explicit DropDownPanelView(QWidget* parent = nullptr);
 
-    void addAction(const QString& title, std::function<void()> action);
-    // A switch that shows its state; the caller keeps it in step with the model.
-    QAbstractButton* addToggle(const QString& title, bool checked, std::function<void(bool)> onToggled);
+    void addAction(const QString& title, std::function<void()> action) override;
+    QAbstractButton* addToggle(const QString& title, bool checked,
+                               std::function<void(bool)> onToggled) override;
     void addStretch();
 
 private:

@@ -14,6 +14,7 @@ AccessibilityModel::AccessibilityModel(Permission& permission, TickHandler onTic
 
 void AccessibilityModel::start() {
     m_timer.start(); // restarting replaces the schedule, never doubles it
+    tick();          // the first tick at once: shortcuts work from the first moment
 }
 
 void AccessibilityModel::tick() {

@@ -18,7 +18,7 @@ std::vector<CGWindowInfo> listCGWindows(const WindowServer& server, qint32 ownPi
             continue;
         if (w.frame.width < 150 || w.frame.height < 150)
             continue;
-        CGWindowInfo info{w.id, w.spaceId, w.pid, w.frame, false, w.ownerName};
+        CGWindowInfo info{w.id, w.spaceId, w.pid, w.frame, false, w.ownerName, w.title};
         if (frontmost && w.pid == *frontmost && focusedPids.insert(w.pid).second)
             info.isFocused = true;
         result.push_back(std::move(info));

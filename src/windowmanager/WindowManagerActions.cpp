@@ -48,16 +48,13 @@ std::optional<ZoneChoice> WindowManagerActions::zonesForChord(const KeyboardShor
 void WindowManagerActions::applyZone(const ZoneChoice& choice) {
     assertMainThread("WindowManagerActions::applyZone");
     const auto window = m_cache.focusedWindow();
-    if (!window || choice.candidates.empty())
+    if (!window || choice.index < 0 || std::size_t(choice.index) >= choice.candidates.size())
         return;
     const auto target = targetFor(window->frame);
     if (!target)
         return;
-    // The same binding fires again when its chord is pressed again while held: the zone to use next
-    // is decided by where the window is now, not by where it was when the binding was matched.
-    const auto& zone =
-        choice.candidates[std::size_t(cycleIndex(choice.candidates, target->usable, window->frame))];
-    const Rect frame = zoneFrame(zone, target->usable, target->gap);
+    // The zone was decided when the chord was matched, against the same window and screen.
+    const Rect frame = zoneFrame(choice.candidates[std::size_t(choice.index)], target->usable, target->gap);
     const Point at = placeWindow(m_access, window->id, frame, target->usable, target->gap);
     snapped({at.x, at.y, frame.width, frame.height}, target->usable);
 }

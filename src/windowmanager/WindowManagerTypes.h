@@ -15,6 +15,7 @@ struct CGWindowInfo {
     Rect frame; // top-left space
     bool isFocused = false;
     std::optional<QString> appName;
+    std::optional<QString> title;
     bool operator==(const CGWindowInfo&) const = default;
 };
 

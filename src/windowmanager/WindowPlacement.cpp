@@ -18,10 +18,7 @@ Point placeWindow(Accessibility& access, quint32 window, Rect T, const Rect& U, 
     if (y + height > U.maxY())
         y -= y + height - U.maxY();
 
-    access.setPosition(window, {x, y});
-    access.setSize(window, {width, height});
-
-    const auto actual = access.frame(window);
+    const auto actual = access.setFrame(window, {x, y, width, height});
     if (!actual)
         return {x, y}; // the window went away meanwhile
     double newX = x, newY = y;

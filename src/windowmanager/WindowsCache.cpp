@@ -1,7 +1,6 @@
 #include "windowmanager/WindowsCache.h"
 
 #include "core/MainThread.h"
-#include "platform/Accessibility.h"
 #include "platform/WindowServer.h"
 #include "windowmanager/LowLevelHelpers.h"
 
@@ -9,40 +8,34 @@
 
 namespace velmora {
 
-WindowsCache::WindowsCache(const WindowServer& server, const Accessibility& access, qint32 ownPid,
-                           std::function<qint64()> nowMs, QObject* parent)
-    : QObject(parent), m_server(server), m_access(access), m_ownPid(ownPid), m_nowMs(std::move(nowMs)) {
+WindowsCache::WindowsCache(const WindowServer& server, qint32 ownPid, std::function<qint64()> nowMs,
+                           QObject* parent)
+    : QObject(parent), m_server(server), m_ownPid(ownPid), m_nowMs(std::move(nowMs)) {
     m_timer.setInterval(500);
     connect(&m_timer, &QTimer::timeout, this, &WindowsCache::tick);
+    // A focus change is seen at once, so the switcher order is right even for a quick Alt+Tab.
+    connect(&server, &WindowServer::activeWindowChanged, this, &WindowsCache::tick);
+    connect(&server, &WindowServer::windowsChanged, this, &WindowsCache::tick);
+    connect(&server, &WindowServer::spacesChanged, this, &WindowsCache::tick);
 }
 
 void WindowsCache::start() {
     m_timer.start();
-    QTimer::singleShot(0, this, &WindowsCache::refresh);
+    tick();
 }
 
 std::vector<WindowInfo> WindowsCache::listWindows() const {
     assertMainThread("WindowsCache::listWindows");
     std::vector<WindowInfo> list;
-    for (const auto& w : listCGWindows(m_server, m_ownPid)) {
-        // A window that vanished since the listing has no frame any more and is left out.
-        if (!m_access.frame(w.id))
-            continue;
-        list.push_back({w.id, w.pid, w.frame, w.isFocused, w.spaceId, m_access.title(w.id), w.appName});
-    }
+    for (const auto& w : listCGWindows(m_server, m_ownPid))
+        list.push_back({w.id, w.pid, w.frame, w.isFocused, w.spaceId, w.title, w.appName});
     return list;
 }
 
 std::optional<WindowInfo> WindowsCache::focusedWindow() const {
-    // Every keyboard action starts here, while a key may be waiting for its verdict: read the
-    // details of the focused window only, not of every window.
-    for (const auto& w : listCGWindows(m_server, m_ownPid)) {
-        if (!w.isFocused)
-            continue;
-        if (!m_access.frame(w.id))
-            return std::nullopt; // it went away since the listing
-        return WindowInfo{w.id, w.pid, w.frame, true, w.spaceId, m_access.title(w.id), w.appName};
-    }
+    for (const auto& w : listCGWindows(m_server, m_ownPid))
+        if (w.isFocused)
+            return WindowInfo{w.id, w.pid, w.frame, true, w.spaceId, w.title, w.appName};
     return std::nullopt;
 }
 
@@ -52,39 +45,24 @@ void WindowsCache::recordFocus(quint32 id) {
 
 void WindowsCache::tick() {
     assertMainThread("WindowsCache::tick");
-    const auto listed = listCGWindows(m_server, m_ownPid);
-    std::optional<quint32> focused;
-    for (const auto& w : listed)
-        if (w.isFocused) {
-            recordFocus(w.id);
-            focused = w.id;
-            break;
-        }
-    // Programs starting or ending and space changes call for a full listing; so does a change of
-    // focus, which changes the switcher order. Otherwise the tick stays a single window-list read.
-    std::set<quint32> ids;
-    for (const auto& w : listed)
-        ids.insert(w.id);
-    const auto spaces = m_server.currentSpaces();
-    const bool focusMoved = focused != m_lastFocused;
-    m_lastFocused = focused;
-    if (ids != m_knownIds || spaces != m_knownSpaces || focusMoved)
-        refresh();
+    const auto focused = focusedWindow();
+    const std::optional<quint32> focusedId = focused ? std::optional(focused->id) : std::nullopt;
+    // The focus time is taken when the focus moves, not on every tick: the switcher orders by it.
+    if (focusedId && focusedId != m_lastFocused)
+        recordFocus(*focusedId);
+    m_lastFocused = focusedId;
+    refresh();
 }
 
 void WindowsCache::refresh() {
     assertMainThread("WindowsCache::refresh");
     auto list = listWindows();
     const auto spaces = m_server.currentSpaces();
-    m_knownIds.clear();
-    for (const auto& w : list)
-        m_knownIds.insert(w.id);
-    m_knownSpaces = spaces;
-
-    m_windowsByID.clear();
+    QHash<quint32, WindowInfo> byId;
     for (const auto& w : list)
         if (w.spaceId == 0 || spaces.count(w.spaceId))
-            m_windowsByID.insert(w.id, w);
+            byId.insert(w.id, w);
+    m_windowsByID = std::move(byId);
     std::stable_sort(list.begin(), list.end(), [this](const WindowInfo& a, const WindowInfo& b) {
         return goesBefore(a, b, m_focusTimes);
     });

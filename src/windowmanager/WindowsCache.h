@@ -11,23 +11,23 @@
 
 namespace velmora {
 
-class Accessibility;
 class WindowServer;
 
 // The windows the window manager acts on, in switcher order (most recently focused first), with the
-// time each was last seen focused. Focus is sampled twice a second from the window server; a full
-// listing (titles included) runs at start and whenever the set of windows or of spaces changes.
+// time each was last seen focused. It follows the window server's change signals at once; the
+// half-second tick is a safety net for servers that announce nothing, and costs no server request
+// where the server answers from memory.
 class WindowsCache : public QObject {
     Q_OBJECT
 public:
-    WindowsCache(const WindowServer& server, const Accessibility& access, qint32 ownPid,
-                 std::function<qint64()> nowMs, QObject* parent = nullptr);
+    WindowsCache(const WindowServer& server, qint32 ownPid, std::function<qint64()> nowMs,
+                 QObject* parent = nullptr);
 
     void start();
     void tick();
     void refresh();
 
-    // A fresh listing, front to back (not the cached one): what keyboard actions work on.
+    // The windows front to back as the server lists them now: what keyboard actions work on.
     std::vector<WindowInfo> listWindows() const;
     std::optional<WindowInfo> focusedWindow() const;
     void recordFocus(quint32 id);
@@ -45,15 +45,12 @@ signals:
 
 private:
     const WindowServer& m_server;
-    const Accessibility& m_access;
     qint32 m_ownPid;
     std::function<qint64()> m_nowMs;
     QTimer m_timer;
     std::vector<WindowInfo> m_windows;
     QHash<quint32, WindowInfo> m_windowsByID;
     QHash<quint32, qint64> m_focusTimes;
-    std::set<quint32> m_knownIds;
-    std::set<quint64> m_knownSpaces;
     std::optional<quint32> m_lastFocused;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/UnitRect.h"
 #include "core/WindowArea.h"
 
 #include <QString>
@@ -16,16 +17,6 @@ std::optional<double> parseZoneNumber(const QString& text, bool allowZero, bool 
 // would be empty), a size may be 1 but not 0. Empty text means the top-left edge, or the full extent.
 std::optional<double> parseZonePosition(const QString& text);
 std::optional<double> parseZoneSize(const QString& text);
-
-// A zone in unit coordinates of a screen's usable rectangle, y = 0 at the top.
-struct UnitRect {
-    double x = 0;
-    double y = 0;
-    double w = 0;
-    double h = 0;
-
-    bool operator==(const UnitRect&) const = default;
-};
 
 // The zone's four numbers, or absent when any of them does not read; such a zone is skipped until the
 // user fixes it.

@@ -82,7 +82,7 @@ TEST_F(ShortcutDesktop, LockKeysDoNotBreakShortcuts) {
 TEST_F(ShortcutDesktop, ChangedBindingsAreGrabbedAtOnce) {
     auto bindings = agent.json({"prefs", "get", "KeyboardBindings"});
     ASSERT_TRUE(bindings);
-    (*bindings)["openSystemMonitoringDashboard"] = Json::parse(
+    (*bindings)["makeWindow16By9"] = Json::parse(
         R"({"control":true,"alt":true,"command":false,"shift":false,"keyCode":2,"disabled":false})");
     (*bindings)["windowManagerCenterWindow"]["disabled"] = true;
     ASSERT_TRUE(agent.json({"prefs", "set", "KeyboardBindings", QString::fromStdString(bindings->dump())}));
@@ -90,11 +90,37 @@ TEST_F(ShortcutDesktop, ChangedBindingsAreGrabbedAtOnce) {
 
     key("super+alt+d");
     ASSERT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
-    EXPECT_EQ(agent.status()["lastAction"]["action"], "openSystemMonitoringDashboard");
+    EXPECT_EQ(agent.status()["lastAction"]["action"], "makeWindow16By9");
     key("super+alt+c"); // switched off: reaches the window
     settle();
     EXPECT_EQ(window->countLines("key 67 "), 1) << window->output().toStdString();
     EXPECT_EQ(dispatchCount(agent), 1);
+}
+
+// The clipboard history, dimming and auto-layout are bound by default but not part of this build:
+// their chords are not grabbed, so the focused program gets them, once.
+TEST_F(ShortcutDesktop, ChordsOfActionsThatCannotRunReachTheWindowOnce) {
+    for (const char* chord : {"ctrl+shift+v", "super+v", "super+alt+b", "super+alt+space"})
+        key(chord);
+    // Switched off by the user: the window switcher's Alt+Tab goes to the window too.
+    auto wm = agent.json({"prefs", "get", "WindowManagerPreferences"});
+    ASSERT_TRUE(wm);
+    (*wm)["enableWindowSwitcher"] = false;
+    ASSERT_TRUE(agent.json({"prefs", "set", "WindowManagerPreferences", QString::fromStdString(wm->dump())}));
+    QThread::msleep(200);
+    key("alt+Tab");
+    settle();
+    EXPECT_EQ(window->countLines("key 86 "), 2) << window->output().toStdString();       // V, twice
+    EXPECT_EQ(window->countLines("key 66 "), 1) << window->output().toStdString();       // B
+    EXPECT_EQ(window->countLines("key 32 "), 1) << window->output().toStdString();       // Space
+    EXPECT_EQ(window->countLines("key 16777217 "), 1) << window->output().toStdString(); // Tab
+    EXPECT_EQ(dispatchCount(agent), 0);
+    const auto refused = agent.command({"action", "openClipboardHistory"});
+    EXPECT_NE(refused.exitCode, 0);
+    EXPECT_EQ(refused.err.trimmed(), "velmora: openClipboardHistory is not available in this version");
+    const auto off = agent.command({"action", "openWindowSwitcher"});
+    EXPECT_NE(off.exitCode, 0);
+    EXPECT_TRUE(off.err.contains("window switcher is switched off")) << off.err.toStdString();
 }
 
 TEST_F(ShortcutDesktop, KeyboardCleaningSwallowsKeysButNotClicks) {

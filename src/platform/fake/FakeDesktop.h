@@ -37,13 +37,16 @@ struct FakeDesktop {
     }
 };
 
+// Announces nothing by itself: tests call changed() after editing the desktop, as a watching
+// backend would.
 class FakeWindowServer final : public WindowServer {
 public:
+    void changed() { emit windowsChanged(); }
     explicit FakeWindowServer(FakeDesktop& d) : m_d(d) {}
     std::vector<ServerWindow> onScreenWindows() const override {
         std::vector<ServerWindow> list;
         for (const auto& w : m_d.windows)
-            list.push_back({w.id, w.layer, w.pid, w.frame, w.ownerName, w.spaceId});
+            list.push_back({w.id, w.layer, w.pid, w.frame, w.ownerName, w.spaceId, w.title});
         return list;
     }
     std::optional<qint32> frontmostApplicationPid() const override { return m_d.frontmostPid; }

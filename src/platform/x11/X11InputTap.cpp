@@ -8,13 +8,19 @@
 
 namespace velmora {
 
-X11InputTap::X11InputTap() = default;
+X11InputTap::X11InputTap(X11RequestProbe probe) : m_probe(std::move(probe)) {}
 
 X11InputTap::~X11InputTap() {
     invalidate();
 }
 
 bool X11InputTap::create(Callback callback) {
+    // A live tap is renewed in place: no new connection, thread or grabs unless it was disabled.
+    if (m_worker && m_worker->state() != State::failed) {
+        m_callback = std::move(callback);
+        m_worker->renew();
+        return true;
+    }
     invalidate();
     m_callback = std::move(callback);
     X11TapWorker::Delegate delegate;
@@ -63,6 +69,10 @@ void X11InputTap::setKeyboardGrabbed(bool grabbed) {
         m_worker->setKeyboardGrabbed(grabbed);
 }
 
+std::vector<std::pair<QString, qint64>> X11InputTap::counters() const {
+    return {{"verdicts", m_verdicts}, {"xRequestsDuringVerdicts", m_requestsDuringVerdicts}};
+}
+
 // Runs on the worker thread.
 std::optional<TapVerdict> X11InputTap::deliver(const TapEvent& event, bool wantVerdict) {
     const bool motion =
@@ -95,7 +105,11 @@ std::optional<TapVerdict> X11InputTap::deliver(const TapEvent& event, bool wantV
         [this, event, request] {
             if (request->claimed.exchange(true))
                 return;
-            request->verdict.set_value(m_callback ? m_callback(event) : TapVerdict::pass);
+            const auto before = m_probe.mark();
+            const auto verdict = m_callback ? m_callback(event) : TapVerdict::pass;
+            m_requestsDuringVerdicts += qint64(m_probe.between(before, m_probe.mark()));
+            ++m_verdicts;
+            request->verdict.set_value(verdict);
         },
         Qt::QueuedConnection);
     if (answer.wait_for(std::chrono::milliseconds(X11TapWorker::kVerdictTimeoutMs)) ==

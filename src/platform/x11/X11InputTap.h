@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/InputTap.h"
+#include "platform/x11/X11RequestProbe.h"
 
 #include <atomic>
 #include <memory>
@@ -14,7 +15,8 @@ class X11TapWorker;
 class X11InputTap final : public InputTap {
     Q_OBJECT
 public:
-    X11InputTap();
+    // probe: the main thread's X connections, to count what a verdict sends to the server.
+    explicit X11InputTap(X11RequestProbe probe = {});
     ~X11InputTap() override;
 
     bool create(Callback callback) override;
@@ -22,6 +24,7 @@ public:
     State state() const override;
     void setSwallowableChords(const std::vector<KeyboardShortcut>& chords) override;
     void setKeyboardGrabbed(bool grabbed) override;
+    std::vector<std::pair<QString, qint64>> counters() const override;
 
 private:
     std::optional<TapVerdict> deliver(const TapEvent& event, bool wantVerdict);
@@ -31,6 +34,9 @@ private:
     std::vector<KeyboardShortcut> m_chords;
     bool m_keyboardGrabbed = false;
     bool m_failed = false;
+    X11RequestProbe m_probe;
+    qint64 m_verdicts = 0;
+    qint64 m_requestsDuringVerdicts = 0;
     // Pointer motion is only ever one event deep in the main queue; later moves replace nothing.
     std::shared_ptr<std::atomic<bool>> m_motionQueued = std::make_shared<std::atomic<bool>>(false);
 };

@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
+#include <utility>
 #include <xcb/xinput.h>
 // xkb.h names a member `explicit`, a C++ keyword.
 #define explicit explicit_
@@ -146,6 +147,14 @@ void X11TapWorker::setChords(std::vector<KeyboardShortcut> chords) {
     wake();
 }
 
+void X11TapWorker::renew() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_pendingRenew = true;
+    }
+    wake();
+}
+
 void X11TapWorker::setKeyboardGrabbed(bool grabbed) {
     {
         std::lock_guard lock(m_mutex);
@@ -191,10 +200,16 @@ void X11TapWorker::run() {
 void X11TapWorker::applyPendingCommands() {
     std::optional<std::vector<KeyboardShortcut>> chords;
     std::optional<bool> keyboardGrab;
+    bool renew = false;
     {
         std::lock_guard lock(m_mutex);
         chords.swap(m_pendingChords);
         keyboardGrab.swap(m_pendingKeyboardGrab);
+        renew = std::exchange(m_pendingRenew, false);
+    }
+    if (renew && m_state == InputTap::State::disabledByTimeout) {
+        m_state = InputTap::State::active;
+        regrab();
     }
     if (chords) {
         m_chords = std::move(*chords);

@@ -39,6 +39,8 @@ public:
     bool start(QString* error);
     InputTap::State state() const { return m_state.load(); }
 
+    // Makes a tap that was disabled by time-out active again, on the same connection and thread.
+    void renew();
     void setChords(std::vector<KeyboardShortcut> chords);
     void setKeyboardGrabbed(bool grabbed);
 
@@ -92,6 +94,7 @@ private:
     std::mutex m_mutex; // guards the pending commands below
     std::optional<std::vector<KeyboardShortcut>> m_pendingChords;
     std::optional<bool> m_pendingKeyboardGrab;
+    bool m_pendingRenew = false;
     std::vector<KeyboardShortcut> m_chords;
     bool m_wantKeyboardGrab = false;
 };

@@ -2,9 +2,9 @@
 // repeat rule, providers in their order, dispatch.
 #include "app/ActionProviders.h"
 #include "app/AppActionDispatcher.h"
+#include "app/BindingsProvider.h"
 #include "app/EventTap.h"
 #include "app/UserPreferences.h"
-#include "clipboard/KeyboardCleaningModel.h"
 #include "core/KeyEvent.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeInputTap.h"
@@ -16,20 +16,64 @@ using namespace velmora::ModifierMask;
 
 namespace {
 
+// A provider answering one chord, counting how often it was asked to resolve.
+struct OneChord final : ActionProvider {
+    KeyboardShortcut chord;
+    QString id;
+    int* resolved;
+    OneChord(KeyboardShortcut c, QString i, int* r) : chord(c), id(std::move(i)), resolved(r) {}
+    std::vector<KeyboardShortcut> chords() const override { return {chord}; }
+    std::optional<KeyboardBinding> resolve(const KeyboardShortcut& c) const override {
+        ++*resolved;
+        return KeyboardBinding{c, action::WindowAreas{{}, *resolved}, true, id};
+    }
+};
+
 struct Desk {
     FakeDefaults defaults;
     LoggingManager log{[] { return true; }};
     UserPreferences prefs{defaults, log};
-    ActionProviders providers = ActionProviders::forPreferences(prefs);
+    AppActionDispatcher dispatcher{log};
+    ActionProviders providers;
     std::vector<QString> fired;
+    std::vector<KeyboardBinding> bindingsFired;
     KeyboardShortcutModel model{[this](const KeyboardShortcut& c) { return providers.match(c); },
-                                [this](const KeyboardBinding& b) { fired.push_back(b.id); }};
-    KeyboardCleaningModel cleaning;
+                                [this](const KeyboardBinding& b) {
+                                    fired.push_back(b.id);
+                                    bindingsFired.push_back(b);
+                                }};
     FakeInputTap tap;
-    double now = 1000;
-    EventTap eventTap{tap, model, cleaning, log, [this] { return now; }};
+    qint64 now = 1000000;
+    EventTap eventTap{tap, model, log, [this] { return now; }};
 
-    Desk() { eventTap.watchdog(); }
+    Desk() {
+        model.setRematcher([this](const KeyboardBinding& b) { return providers.rematch(b); });
+        const auto windowManagerOn = [this] {
+            return prefs.local.windowManagerEnabled() ? QString() : "off";
+        };
+        dispatcher.setHandler<action::CenterWindow>([](const auto&) {}, windowManagerOn);
+        dispatcher.setHandler<action::OpenWindowSwitcher>([](const auto&) {}, windowManagerOn);
+        const auto bindings = [this]() -> const KeyboardBindings& { return prefs.keyboardBindings.value(); };
+        using A = KeyboardAppAction;
+        providers.add(
+            ActionProviders::Slot::windowManagerFocusedWindow,
+            std::make_unique<BindingsProvider>(bindings, dispatcher,
+                                               std::vector<BindingsProvider::Entry>{
+                                                   {A::windowManagerCenterWindow, action::CenterWindow{}}}));
+        // The clipboard's actions are bound in the record but no module carries them out here.
+        providers.add(ActionProviders::Slot::clipboardHistory,
+                      std::make_unique<BindingsProvider>(
+                          bindings, dispatcher,
+                          std::vector<BindingsProvider::Entry>{
+                              {A::clipboardDirectPastePlainText, action::PerformDirectPastePlainText{}}}));
+        providers.add(ActionProviders::Slot::switcherAndAutoLayout,
+                      std::make_unique<BindingsProvider>(
+                          bindings, dispatcher,
+                          std::vector<BindingsProvider::Entry>{
+                              {A::switchWindow, action::OpenWindowSwitcher{false}},
+                              {A::switchWindowPrevious, action::OpenWindowSwitcher{true}}}));
+        eventTap.watchdog();
+    }
     TapVerdict flags(std::uint64_t f) { return tap.send({TapEventType::FlagsChanged, f, 0}); }
     TapVerdict down(std::uint16_t key, std::uint64_t f) { return tap.send({TapEventType::KeyDown, f, key}); }
     TapVerdict up(std::uint16_t key, std::uint64_t f) { return tap.send({TapEventType::KeyUp, f, key}); }
@@ -40,6 +84,10 @@ struct Desk {
         up(key, f);
         flags(0);
         return verdict;
+    }
+    bool grabbed(const KeyboardShortcut& c) const {
+        const auto chords = providers.swallowableChords();
+        return std::find(chords.begin(), chords.end(), c) != chords.end();
     }
 };
 
@@ -71,30 +119,29 @@ TEST(ShortcutMatching, ModelTracksTheHeldChord) {
     EXPECT_FALSE(d.model.activeShortcut());
 }
 
-TEST(ShortcutMatching, SameChordAgainRepeatsTheBindingUntilEverythingIsReleased) {
+TEST(ShortcutMatching, SameChordAgainAsksOnlyItsProviderAgainUntilEverythingIsReleased) {
     Desk d;
-    int asked = 0;
-    d.providers.set(ActionProviders::Slot::zoneShortcuts,
-                    [&](const KeyboardShortcut& c) -> std::optional<KeyboardBinding> {
-                        ++asked;
-                        if (!c.matches(chord(Modifier::Control | Modifier::Alt, 123)))
-                            return std::nullopt;
-                        AppAction a;
-                        a.kind = AppAction::Kind::windowAreas;
-                        return KeyboardBinding{c, a, true, "zone:Left Half"};
-                    });
-    // Holding the modifiers and pressing the key twice: the second press repeats without asking.
+    int resolved = 0, otherResolved = 0;
+    const auto left = chord(Modifier::Control | Modifier::Alt, 123);
+    d.providers.add(ActionProviders::Slot::zoneShortcuts,
+                    std::make_unique<OneChord>(left, "zone", &resolved));
+    d.providers.add(ActionProviders::Slot::application,
+                    std::make_unique<OneChord>(left, "other", &otherResolved));
+    // Holding the modifiers and pressing the key twice: the second press is decided afresh by the
+    // provider that answered the first (a zone chord cycles from where the window is now).
     d.flags(Control | Option);
     d.down(123, Control | Option);
     d.up(123, Control | Option);
     d.down(123, Control | Option);
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(d.fired.size(), 2u);
+    EXPECT_EQ(resolved, 2);
+    EXPECT_EQ(otherResolved, 0);
+    ASSERT_EQ(d.bindingsFired.size(), 2u);
+    EXPECT_EQ(std::get<action::WindowAreas>(d.bindingsFired[1].action).index, 2);
     d.up(123, Control | Option);
     d.flags(0); // all released: the next press starts afresh
     EXPECT_FALSE(d.model.previousBinding());
     d.press(123, Control | Option);
-    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(resolved, 3);
     // A press that matches nothing forgets the previous binding.
     d.flags(Control | Option);
     d.down(123, Control | Option);
@@ -102,43 +149,42 @@ TEST(ShortcutMatching, SameChordAgainRepeatsTheBindingUntilEverythingIsReleased)
     EXPECT_FALSE(d.model.previousBinding());
 }
 
-TEST(ShortcutMatching, ProvidersAreAskedInTheirFixedOrder) {
-    Desk d;
-    std::vector<int> order;
-    auto recorder = [&](int n) {
-        return [&order, n](const KeyboardShortcut&) -> std::optional<KeyboardBinding> {
-            order.push_back(n);
-            return std::nullopt;
-        };
-    };
+TEST(ShortcutMatching, ProvidersAreAskedInTheirFixedOrderAndOnlyForChordsTheyList) {
     ActionProviders p;
-    p.set(ActionProviders::Slot::application, recorder(6));
-    p.set(ActionProviders::Slot::zoneShortcuts, recorder(1));
-    p.set(ActionProviders::Slot::clipboardHistory, recorder(5));
-    p.set(ActionProviders::Slot::windowManagerFocusedWindow, recorder(0));
-    p.set(ActionProviders::Slot::monitorDimming, recorder(3));
-    EXPECT_FALSE(p.match(chord(Modifier::Control, 1)));
-    EXPECT_EQ(order, (std::vector<int>{0, 1, 3, 5, 6}));
+    int zone = 0, app = 0, first = 0;
+    const auto c = chord(Modifier::Control, 1);
+    p.add(ActionProviders::Slot::application, std::make_unique<OneChord>(c, "application", &app));
+    p.add(ActionProviders::Slot::zoneShortcuts, std::make_unique<OneChord>(c, "zone", &zone));
+    p.add(ActionProviders::Slot::windowManagerFocusedWindow,
+          std::make_unique<OneChord>(chord(Modifier::Control, 2), "focused", &first));
+    ASSERT_TRUE(p.match(c));
+    EXPECT_EQ(p.match(c)->id, "zone");
+    EXPECT_EQ(first, 0); // it does not list the chord, so it is never asked to resolve it
+    EXPECT_EQ(app, 0);
+    EXPECT_FALSE(p.match(chord(Modifier::Control, 3)));
 }
 
-TEST(ShortcutMatching, DisabledFeaturesAndBindingsDoNotMatchOrGrab) {
+TEST(ShortcutMatching, UnavailableActionsAndDisabledBindingsAreNeitherMatchedNorGrabbed) {
     Desk d;
-    auto grabbed = [&](const KeyboardShortcut& c) {
-        const auto chords = d.providers.swallowableChords();
-        return std::find(chords.begin(), chords.end(), c) != chords.end();
-    };
-    const auto paste = chord(Modifier::Control, 9); // "Paste plain text directly"
-    EXPECT_TRUE(grabbed(paste));
-    EXPECT_FALSE(grabbed(bareKey(126))); // panel navigation keys are never global
-    d.prefs.local.setClipboardHistoryEnabled(false);
-    EXPECT_FALSE(grabbed(paste));
+    // "Paste plain text directly" is bound, but nothing here carries it out: its chord stays free.
+    const auto paste = chord(Modifier::Control, 9);
+    EXPECT_FALSE(d.grabbed(paste));
     EXPECT_EQ(d.press(9, Control), TapVerdict::pass);
+    EXPECT_FALSE(d.grabbed(bareKey(126))); // panel navigation keys are never global
+
+    const auto centre = chord(Modifier::Control | Modifier::Alt, 8);
+    EXPECT_TRUE(d.grabbed(centre));
+    d.prefs.local.setWindowManagerEnabled(false); // a switched-off feature frees its chords
+    EXPECT_FALSE(d.grabbed(centre));
+    EXPECT_EQ(d.press(8, Control | Option), TapVerdict::pass);
+    EXPECT_EQ(d.dispatcher.unavailableReason(action::CenterWindow{}), "off");
+    d.prefs.local.setWindowManagerEnabled(true);
 
     auto bindings = d.prefs.keyboardBindings.value();
     bindings.windowManagerCenterWindow->disabled = true;
     d.prefs.keyboardBindings.setValue(bindings);
     EXPECT_EQ(d.press(8, Control | Option), TapVerdict::pass);
-    EXPECT_FALSE(grabbed(chord(Modifier::Control | Modifier::Alt, 8)));
+    EXPECT_FALSE(d.grabbed(centre));
     EXPECT_TRUE(d.fired.empty());
 }
 
@@ -157,7 +203,7 @@ TEST(EventTap, KeyboardCleaningSwallowsAllButTheMouse) {
     Desk d;
     int dragEvents = 0;
     d.eventTap.dragHandler = [&](const TapEvent&) { ++dragEvents; };
-    d.cleaning.setOn(true);
+    d.eventTap.setKeyboardSilenced(true);
     EXPECT_TRUE(d.tap.keyboardGrabbed);
     for (int type : {TapEventType::KeyDown, TapEventType::KeyUp, TapEventType::FlagsChanged,
                      TapEventType::SystemDefined})
@@ -167,7 +213,7 @@ TEST(EventTap, KeyboardCleaningSwallowsAllButTheMouse) {
         EXPECT_EQ(d.tap.send({type, 0, 0}), TapVerdict::pass) << type;
     EXPECT_EQ(dragEvents, 8); // drag snapping still sees every event
     EXPECT_TRUE(d.fired.empty());
-    d.cleaning.setOn(false);
+    d.eventTap.setKeyboardSilenced(false);
     EXPECT_FALSE(d.tap.keyboardGrabbed);
     EXPECT_EQ(d.press(8, Control | Option), TapVerdict::swallow);
 }
@@ -175,28 +221,28 @@ TEST(EventTap, KeyboardCleaningSwallowsAllButTheMouse) {
 TEST(EventTap, WatchdogRecreatesAfterFifteenQuietSecondsAndAtOnceWhenBroken) {
     Desk d; // the first tick created the tap
     EXPECT_EQ(d.tap.creates, 1);
-    d.now += 14.9;
+    d.now += 14900;
     d.eventTap.watchdog();
     EXPECT_EQ(d.tap.creates, 1);
     d.press(0, 0); // an event resets the quiet period
-    d.now += 10;
+    d.now += 10000;
     d.eventTap.watchdog();
     EXPECT_EQ(d.tap.creates, 1);
-    d.now += 5;
+    d.now += 5000;
     d.eventTap.watchdog();
     EXPECT_EQ(d.tap.creates, 2);
 
     // A tap the platform disabled hears nothing, so after 15 s it is replaced.
     d.tap.setState(InputTap::State::disabledByTimeout);
     EXPECT_EQ(d.press(8, Control | Option), TapVerdict::pass);
-    d.now += 15;
+    d.now += 15000;
     d.eventTap.watchdog();
     EXPECT_EQ(d.tap.creates, 3);
     EXPECT_EQ(d.tap.state(), InputTap::State::active);
 
     // Lost (a broken X connection) or never made: the next tick makes it.
     d.tap.setState(InputTap::State::failed);
-    d.now += 1;
+    d.now += 1000;
     d.eventTap.watchdog();
     EXPECT_EQ(d.tap.creates, 4);
     d.eventTap.invalidate();
@@ -204,21 +250,35 @@ TEST(EventTap, WatchdogRecreatesAfterFifteenQuietSecondsAndAtOnceWhenBroken) {
     EXPECT_EQ(d.tap.creates, 5);
 }
 
-TEST(AppActionDispatcher, RunsTheHandlerOrSaysTheActionIsNotAvailable) {
+TEST(AppActionDispatcher, RunsAvailableActionsAndSaysWhyOthersCannotRun) {
     LoggingManager log([] { return true; });
     AppActionDispatcher dispatcher(log);
-    AppAction centre;
-    centre.kind = AppAction::Kind::centerWindow;
-    dispatcher.dispatch(centre, "windowManagerCenterWindow");
+    EXPECT_FALSE(dispatcher.dispatch(action::CenterWindow{}, "windowManagerCenterWindow"));
     ASSERT_EQ(log.entries().size(), 1u);
-    EXPECT_EQ(log.entries()[0].description, "centerWindow is not available yet in this version.");
+    EXPECT_EQ(log.entries()[0].description, "centerWindow is not available in this version.");
+    EXPECT_EQ(dispatcher.dispatchCount(), 0);
 
     int handled = 0;
-    dispatcher.setHandler(AppAction::Kind::centerWindow, [&](const AppAction&) { ++handled; });
-    dispatcher.dispatch(centre, "command line");
+    bool on = true;
+    dispatcher.setHandler<action::CenterWindow>([&](const action::CenterWindow&) { ++handled; },
+                                                [&] { return on ? QString() : QString("switched off"); });
+    EXPECT_TRUE(dispatcher.dispatch(action::CenterWindow{}, "command line"));
     EXPECT_EQ(handled, 1);
     EXPECT_EQ(dispatcher.lastAction(), "centerWindow");
     EXPECT_EQ(dispatcher.lastSource(), "command line");
-    EXPECT_EQ(dispatcher.dispatchCount(), 2);
-    EXPECT_EQ(log.entries().size(), 1u);
+    on = false;
+    EXPECT_FALSE(dispatcher.dispatch(action::CenterWindow{}, "command line"));
+    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(dispatcher.dispatchCount(), 1);
+    EXPECT_TRUE(dispatcher.isAvailable(action::Noop{}));
+}
+
+TEST(AppAction, NamesRoundTripAndCarryDefaultArguments) {
+    for (const auto& name : allActionNames()) {
+        const auto a = actionFromName(name);
+        ASSERT_TRUE(a) << name.toStdString();
+        EXPECT_EQ(actionName(*a), name);
+    }
+    EXPECT_EQ(actionFromName("openWindowSwitcher"), AppAction(action::OpenWindowSwitcher{false}));
+    EXPECT_FALSE(actionFromName("CenterWindow"));
 }

@@ -1,6 +1,5 @@
 #include "app/EventTap.h"
 #include "app/UserPreferences.h"
-#include "clipboard/KeyboardCleaningModel.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
@@ -62,8 +61,7 @@ struct PageSetup {
     FakeKeyboardLayout layout;
     KeyboardShortcutModel model{nullptr, nullptr};
     FakeInputTap input;
-    KeyboardCleaningModel cleaning;
-    EventTap tap{input, model, cleaning, log, [] { return 0.0; }};
+    EventTap tap{input, model, log, [] { return qint64(0); }};
     KeyboardShortcutsPreferencesPage page{prefs, model, layout, tap};
 };
 

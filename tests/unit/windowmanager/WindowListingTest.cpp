@@ -58,7 +58,7 @@ TEST(ListCGWindows, OnlyTheFrontWindowOfTheFrontmostProgramIsFocused) {
 TEST(WindowsCache, SwitcherOrderIsMostRecentlyFocusedThenByName) {
     FakePlatform fake;
     qint64 now = 1000;
-    WindowsCache cache(*fake.platform.windowServer, *fake.platform.accessibility, 1, [&] { return now; });
+    WindowsCache cache(*fake.platform.windowServer, 1, [&] { return now; });
     fake.desktop.add(win(1, 10, "b-app", "x", {0, 0, 400, 400}));
     fake.desktop.add(win(2, 20, "a-app", "y", {0, 0, 400, 400}));
     fake.desktop.add(win(3, 30, "c-app", "z", {0, 0, 400, 400}));
@@ -76,8 +76,7 @@ TEST(WindowsCache, SwitcherOrderIsMostRecentlyFocusedThenByName) {
 
 TEST(WindowsCache, WindowsOnOtherSpacesAreLeftOutAndVanishedOnesDropped) {
     FakePlatform fake;
-    WindowsCache cache(*fake.platform.windowServer, *fake.platform.accessibility, 1,
-                       [] { return qint64(0); });
+    WindowsCache cache(*fake.platform.windowServer, 1, [] { return qint64(0); });
     fake.desktop.spaces = {2};
     fake.desktop.add(win(1, 10, "a", "here", {0, 0, 400, 400}, 2));
     fake.desktop.add(win(2, 10, "a", "elsewhere", {0, 0, 400, 400}, 3));

@@ -13,8 +13,7 @@ namespace {
 struct Desk {
     FakePlatform fake;
     WindowManagerPreferences prefs;
-    WindowsCache cache{*fake.platform.windowServer, *fake.platform.accessibility, 1,
-                       [] { return qint64(0); }};
+    WindowsCache cache{*fake.platform.windowServer, 1, [] { return qint64(0); }};
     WindowManagerActions actions{cache, *fake.platform.accessibility, *fake.platform.screens,
                                  [this] { return prefs; }};
 

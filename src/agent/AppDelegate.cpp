@@ -1,0 +1,228 @@
+#include "agent/AppDelegate.h"
+
+#include "clipboard/KeyboardCleaningModule.h"
+#include "core/MainThread.h"
+#include "ui/DeveloperPreferencesPage.h"
+#include "ui/DropDownPanelView.h"
+#include "ui/GeneralPreferencesPage.h"
+#include "ui/KeyboardShortcutsPreferencesPage.h"
+#include "ui/PreferencesWindow.h"
+#include "ui/ShortcutRenderer.h"
+#include "ui/WelcomeView.h"
+#include "ui/windowmanager/WindowManagerScreens.h"
+#include "windowmanager/WindowManagerModule.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QMenu>
+#include <QScreen>
+#include <QTimer>
+
+namespace velmora {
+
+namespace {
+
+qint64 nowMs() {
+    return QDateTime::currentMSecsSinceEpoch();
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Platform& platform, QProcessEnvironment environment, QObject* parent)
+    : QObject(parent), m_platform(platform), m_environment(std::move(environment)), m_createdAtMs(nowMs()),
+      m_logging([this] { return m_preferences && m_preferences->local.developerLogsEnabled(); }),
+      m_dispatcher(m_logging) {}
+
+AppDelegate::~AppDelegate() {
+    delete m_preferencesWindow;
+}
+
+// Start-up, in its fixed order. A module starts at its own place in it.
+void AppDelegate::applicationDidFinishLaunching() {
+    assertMainThread("AppDelegate::applicationDidFinishLaunching");
+    // A design-time preview host must get no status items, timers or input tap.
+    if (m_environment.value("XCODE_RUNNING_FOR_PREVIEWS") == "1") {
+        m_startupSteps << "previewHostStop";
+        return;
+    }
+    createPreferences();
+    createStatusItems();
+    createModules();
+    startPermissionPoll();
+    startModule(*module<WindowManagerModule>(), "windowCache");
+    showWelcomeWindowIfNeeded();
+}
+
+void AppDelegate::applicationWillTerminate() {
+    assertMainThread("AppDelegate::applicationWillTerminate");
+    m_startupSteps << "terminate";
+    for (auto it = m_modules.rbegin(); it != m_modules.rend(); ++it)
+        (*it)->stop();
+    if (m_eventTap)
+        m_eventTap->invalidate();
+    // Preferences are written as they change; nothing else is held that must outlive the process.
+}
+
+void AppDelegate::createPreferences() {
+    m_preferences = std::make_unique<UserPreferences>(*m_platform.defaults, m_logging);
+    m_startupSteps << "preferences";
+}
+
+void AppDelegate::createStatusItems() {
+    m_menubarPopover = std::make_unique<MenubarPopover>(*m_platform.screens, *m_platform.keyboardLayout,
+                                                        [this] { return makeDropDownPanel(); });
+    m_contextMenu = std::make_unique<QMenu>();
+    m_contextMenu->addAction("Open Velmora", this, [this] { m_menubarPopover->show(); });
+    m_contextMenu->addAction("Preferences…", this, [this] { openPreferences(); });
+    m_contextMenu->addSeparator();
+    m_contextMenu->addAction("Quit Velmora", this, [this] { quit(); });
+    m_menubarPopover->setUp(m_contextMenu.get());
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        VELMORA_LOG(m_logging, LogContext::Default, LogLevel::Info,
+                    "No system tray is running; the status icon appears once one starts.");
+    m_startupSteps << "statusItems";
+}
+
+template <class M, class... Args> M& AppDelegate::addModule(Args&&... args) {
+    auto module = std::make_unique<M>(*m_context, std::forward<Args>(args)...);
+    M& ref = *module;
+    module->registerWith(*m_registry);
+    m_modules.push_back(std::move(module));
+    return ref;
+}
+
+// The shared objects, then every module of this build; a module registers all it offers here and
+// starts later, at its place in the start-up order.
+void AppDelegate::createModules() {
+    m_shortcuts = std::make_unique<KeyboardShortcutModel>(
+        [this](const KeyboardShortcut& chord) { return m_providers.match(chord); },
+        [this](const KeyboardBinding& binding) {
+            // Carried out after the verdict went back, so a slow action never holds the keyboard.
+            QTimer::singleShot(0, this,
+                               [this, binding] { m_dispatcher.dispatch(binding.action, binding.id); });
+        });
+    m_shortcuts->setRematcher(
+        [this](const KeyboardBinding& binding) { return m_providers.rematch(binding); });
+    m_eventTap = std::make_unique<EventTap>(*m_platform.inputTap, *m_shortcuts, m_logging, &nowMs);
+    connect(m_eventTap.get(), &EventTap::refusedChordsChanged, this, &AppDelegate::logRefusedChords);
+    m_context = std::make_unique<AppContext>(
+        AppContext{m_platform, *m_preferences, m_logging, *m_shortcuts, *m_eventTap, m_dispatcher, &nowMs});
+    m_registry = std::make_unique<ModuleRegistry>(m_dispatcher, m_providers);
+
+    auto& windowManager = addModule<WindowManagerModule>();
+    addModule<WindowManagerScreens>(windowManager);
+    addModule<KeyboardCleaningModule>();
+
+    for (auto* record : m_preferences->records())
+        connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);
+    connect(&m_preferences->local, &LocalUserPreferences::changed, this,
+            &AppDelegate::updateSwallowableChords);
+    connect(m_registry.get(), &ModuleRegistry::chordsMayHaveChanged, this,
+            &AppDelegate::updateSwallowableChords);
+    updateSwallowableChords();
+}
+
+// The one-second permission poll; each tick also keeps the input tap alive. The first tick runs at
+// once, so shortcuts work from the first moment.
+void AppDelegate::startPermissionPoll() {
+    connect(m_platform.inputTap.get(), &InputTap::stateChanged, this, [this] {
+        if (!m_tapActiveAfterMs && m_platform.inputTap->state() == InputTap::State::active)
+            m_tapActiveAfterMs = nowMs() - m_createdAtMs;
+    });
+    m_accessibility =
+        std::make_unique<AccessibilityModel>(*m_platform.permission, [this](bool hasPermission) {
+            if (hasPermission)
+                m_eventTap->watchdog();
+            else
+                m_eventTap->invalidate();
+        });
+    m_accessibility->start();
+    m_startupSteps << "permissionPoll";
+}
+
+void AppDelegate::startModule(Module& module, const QString& step) {
+    module.start();
+    m_startupSteps << step;
+}
+
+void AppDelegate::updateSwallowableChords() {
+    m_eventTap->setSwallowableChords(m_providers.swallowableChords());
+}
+
+void AppDelegate::logRefusedChords() {
+    // Once per chord and reason: the tap is renewed often, the user needs to read it only once.
+    for (const auto& refused : m_eventTap->refusedChords()) {
+        const QString text =
+            QString("Shortcut %1 cannot be used: %2.")
+                .arg(shortcutText(refused.shortcut, *m_platform.keyboardLayout), refused.reason);
+        if (m_loggedRefusals.contains(text))
+            continue;
+        m_loggedRefusals.insert(text);
+        VELMORA_LOG(m_logging, LogContext::Default, LogLevel::Error, text);
+    }
+}
+
+QWidget* AppDelegate::makeDropDownPanel() {
+    auto* view = new DropDownPanelView();
+    for (const auto& rows : m_registry->panelRows())
+        rows(*view);
+    view->addAction("Preferences…", [this] {
+        m_menubarPopover->windowController().close();
+        openPreferences();
+    });
+    view->addStretch();
+    view->addAction("Quit Velmora", [this] { quit(); });
+    return view;
+}
+
+void AppDelegate::showWelcomeWindowIfNeeded() {
+    // Someone who ran an earlier version has been welcomed already.
+    const auto lastUsed = m_platform.defaults->value("LastUsedVersion");
+    const bool ranBefore = lastUsed && lastUsed->typeId() == QMetaType::QString;
+    m_welcomeSeen = std::make_unique<UserDefaultsObservable>("WelcomeWindowSeen:V26", *m_platform.defaults,
+                                                             QVariant(ranBefore));
+    m_welcomeController = std::make_unique<StandardWindowController>(
+        *m_platform.keyboardLayout, QString("Welcome to Velmora"), StandardWindowPreset::welcomeWindow(),
+        [this] { return new WelcomeView([this] { m_welcomeController->close(); }); });
+    m_welcomeController->onClose = [this] { m_welcomeSeen->setValue(true); };
+    m_startupSteps << "welcome";
+
+    if (m_welcomeSeen->value().toBool())
+        return;
+    QRect frame(0, 0, 630, 390);
+    if (auto* screen = QGuiApplication::primaryScreen())
+        frame.moveCenter(screen->availableGeometry().center());
+    m_welcomeController->show(Rect::fromQRect(frame));
+}
+
+void AppDelegate::openPreferences() {
+    assertMainThread("AppDelegate::openPreferences");
+    if (!m_preferences || !m_registry)
+        return;
+    if (!m_preferencesWindow) {
+        m_preferencesWindow = new PreferencesWindow();
+        m_preferencesWindow->addPage("General", new GeneralPreferencesPage(*m_preferences));
+        for (const auto& [title, page] : m_registry->preferencePages())
+            m_preferencesWindow->addPage(title, page());
+        m_preferencesWindow->addPage(KeyboardShortcutsPreferencesPage::kTitle,
+                                     new KeyboardShortcutsPreferencesPage(*m_preferences, *m_shortcuts,
+                                                                          *m_platform.keyboardLayout,
+                                                                          *m_eventTap));
+        m_preferencesWindow->addPage("Developer", new DeveloperPreferencesPage(*m_preferences, m_logging));
+        if (auto* screen = QGuiApplication::primaryScreen()) {
+            QRect frame = m_preferencesWindow->geometry();
+            frame.moveCenter(screen->availableGeometry().center());
+            m_preferencesWindow->move(frame.topLeft());
+        }
+    }
+    m_preferencesWindow->show();
+    m_preferencesWindow->raise();
+    m_preferencesWindow->activateWindow();
+}
+
+void AppDelegate::quit() {
+    // Leave the current event first, so a reply to the caller (a click, the command line) goes out.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+}
+
+} // namespace velmora

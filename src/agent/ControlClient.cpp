@@ -1,0 +1,51 @@
+#include "agent/ControlClient.h"
+
+#include "agent/ControlServer.h"
+
+#include <QLocalSocket>
+#include <cstdio>
+
+namespace velmora {
+
+std::optional<ControlClient::Answer> ControlClient::request(const QStringList& args, int timeoutMs) {
+    QLocalSocket socket;
+    socket.connectToServer(ControlServer::socketPath());
+    if (!socket.waitForConnected(timeoutMs))
+        return std::nullopt;
+    Json request = Json::object();
+    request["args"] = Json::array();
+    for (const auto& a : args)
+        request["args"].push_back(a.toStdString());
+    socket.write(QByteArray::fromStdString(request.dump() + "\n"));
+    socket.flush();
+    QByteArray line;
+    while (!socket.canReadLine()) {
+        if (!socket.waitForReadyRead(timeoutMs))
+            return Answer{false, nullptr, "the agent did not answer"};
+    }
+    line = socket.readLine();
+    try {
+        const Json reply = Json::parse(line.toStdString());
+        if (reply.at("ok").get<bool>())
+            return Answer{true, reply.value("result", Json()), {}};
+        return Answer{false, nullptr, QString::fromStdString(reply.at("error").get<std::string>())};
+    } catch (const std::exception& e) {
+        return Answer{false, nullptr, QString("unreadable answer from the agent: %1").arg(e.what())};
+    }
+}
+
+int ControlClient::run(const QStringList& args) {
+    const auto answer = request(args);
+    if (!answer) {
+        std::fputs("velmora: the agent is not running (start it with `velmora`)\n", stderr);
+        return 2;
+    }
+    if (!answer->ok) {
+        std::fprintf(stderr, "velmora: %s\n", answer->error.toUtf8().constData());
+        return 1;
+    }
+    std::puts(answer->result.dump(2).c_str());
+    return 0;
+}
+
+} // namespace velmora

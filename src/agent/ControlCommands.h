@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/ControlReply.h"
+
+#include <QStringList>
+
+namespace velmora {
+
+class AppDelegate;
+class ModuleRegistry;
+
+// What the command line can ask of the running agent: the agent's own commands and those the
+// modules registered. Each command answers with JSON, or with a one-line reason and no change.
+class ControlCommands {
+public:
+    explicit ControlCommands(AppDelegate& app) : m_app(app) {}
+
+    ControlReply handle(const QStringList& args);
+
+    // The help text: the agent's commands, then the modules' (when a registry is given), aligned.
+    static QString usage(const ModuleRegistry* registry = nullptr);
+
+private:
+    ControlReply status();
+    ControlReply prefsGet(const QString& key);
+    ControlReply prefsSet(const QString& key, const QString& text);
+    ControlReply prefsList();
+    ControlReply logsExport(const QString& path);
+    ControlReply panel(const QString& how);
+    ControlReply preferences();
+    ControlReply quit();
+    ControlReply action(const QString& name);
+    ControlReply debug(const QStringList& args);
+
+    AppDelegate& m_app;
+};
+
+} // namespace velmora

@@ -1,0 +1,67 @@
+#include "agent/MenubarPopover.h"
+
+#include "agent/DropDownPanelGeometry.h"
+#include "core/MainThread.h"
+#include "platform/Screens.h"
+#include "ui/AppIcon.h"
+
+#include <QMenu>
+
+namespace velmora {
+
+MenubarPopover::MenubarPopover(const Screens& screens, const KeyboardLayout& layout,
+                               StandardWindowController::ContentFactory panelContent, QObject* parent)
+    : QObject(parent), m_screens(screens),
+      m_windowController(layout, QString("Velmora"), StandardWindowPreset::dropDownPanel(),
+                         std::move(panelContent), this) {}
+
+void MenubarPopover::setUp(QMenu* contextMenu) {
+    assertMainThread("MenubarPopover::setUp");
+    m_mainStatusItem = std::make_unique<DynamicStatusItem>("Velmora", appIcon());
+    connect(&m_mainStatusItem->statusItem(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                // Two quick clicks arrive as Trigger then DoubleClick: each click toggles.
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+                    toggle();
+            });
+    if (contextMenu)
+        m_mainStatusItem->statusItem().setContextMenu(contextMenu);
+    m_mainStatusItem->statusItem().show();
+
+    m_systemMonitoringItem = std::make_unique<DynamicStatusItem>("Velmora:SystemMonitoring", appIcon());
+}
+
+void MenubarPopover::toggle() {
+    if (m_windowController.isShown())
+        m_windowController.close();
+    else
+        show();
+}
+
+void MenubarPopover::show() {
+    assertMainThread("MenubarPopover::show");
+    if (!m_mainStatusItem)
+        return;
+    const QRect iconGeometry = m_mainStatusItem->statusItem().geometry();
+    if (iconGeometry.isEmpty())
+        return; // not embedded in a tray: there is nothing to drop down from
+    const auto screens = m_screens.screens();
+    const auto primary = primaryScreen(screens);
+    if (!primary)
+        return;
+    const double H = primary->frame.height;
+    const Rect F = Rect::fromQRect(iconGeometry).flipped(H);
+
+    // The current screen is the one holding the icon, so the panel drops down right under it.
+    auto screen = screenAt(screens, {F.midX(), F.midY()});
+    if (!screen)
+        screen = m_screens.mainScreen();
+    if (!screen)
+        return;
+    const Rect frame =
+        constrainedToScreen(dropDownPanelFrame(F, screen->visibleFrame, screen->frame), screen->frame);
+
+    m_windowController.show(frame.flipped(H));
+}
+
+} // namespace velmora

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "agent/DynamicStatusItem.h"
+#include "app/StandardWindowController.h"
+
+#include <memory>
+
+class QMenu;
+
+namespace velmora {
+
+class Screens;
+
+// The two tray icons and the drop-down panel the main icon opens.
+class MenubarPopover : public QObject {
+    Q_OBJECT
+public:
+    MenubarPopover(const Screens& screens, const KeyboardLayout& layout,
+                   StandardWindowController::ContentFactory panelContent, QObject* parent = nullptr);
+
+    // Creates both icons; the monitoring one stays hidden until it has widgets to show.
+    void setUp(QMenu* contextMenu);
+    void toggle();
+    void show();
+
+    DynamicStatusItem* mainStatusItem() const { return m_mainStatusItem.get(); }
+    DynamicStatusItem* systemMonitoringItem() const { return m_systemMonitoringItem.get(); }
+    StandardWindowController& windowController() { return m_windowController; }
+
+private:
+    const Screens& m_screens;
+    std::unique_ptr<DynamicStatusItem> m_mainStatusItem;
+    std::unique_ptr<DynamicStatusItem> m_systemMonitoringItem;
+    StandardWindowController m_windowController;
+};
+
+} // namespace velmora

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/ActionProviders.h"
+#include "app/AppActionDispatcher.h"
+#include "app/Module.h"
+#include "app/PanelRows.h"
+
+#include <QObject>
+#include <map>
+
+namespace velmora {
+
+// What the modules registered: the agent reads it to build matching and grabbing, the command line,
+// the status, the preferences window and the drop-down panel.
+class ModuleRegistry : public QObject {
+    Q_OBJECT
+public:
+    using PageFactory = std::function<QWidget*()>;
+    using PanelRowsFactory = std::function<void(PanelRows&)>;
+    using StatusSection = std::function<Json()>;
+
+    ModuleRegistry(AppActionDispatcher& dispatcher, ActionProviders& providers, QObject* parent = nullptr);
+
+    AppActionDispatcher& actions() { return m_dispatcher; }
+    void addProvider(ActionProviders::Slot slot, std::unique_ptr<ActionProvider> provider);
+    void addCommand(ModuleCommand command);
+    void addStatus(const QString& key, StatusSection section);
+    void addPreferencePage(const QString& title, PageFactory factory);
+    void addPanelRows(PanelRowsFactory factory);
+    // A module's chords depend on more than the preferences (a window appeared): grab them anew.
+    void chordsChanged() { emit chordsMayHaveChanged(); }
+
+    const std::vector<ModuleCommand>& commands() const { return m_commands; }
+    const ModuleCommand* command(const QString& name) const;
+    const std::vector<std::pair<QString, StatusSection>>& statusSections() const { return m_status; }
+    const std::vector<std::pair<QString, PageFactory>>& preferencePages() const { return m_pages; }
+    const std::vector<PanelRowsFactory>& panelRows() const { return m_panelRows; }
+
+signals:
+    void chordsMayHaveChanged();
+
+private:
+    AppActionDispatcher& m_dispatcher;
+    ActionProviders& m_providers;
+    std::vector<ModuleCommand> m_commands;
+    std::vector<std::pair<QString, StatusSection>> m_status;
+    std::vector<std::pair<QString, PageFactory>> m_pages;
+    std::vector<PanelRowsFactory> m_panelRows;
+};
+
+} // namespace velmora

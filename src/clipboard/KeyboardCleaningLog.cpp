@@ -1,0 +1,3 @@
+#include "clipboard/KeyboardCleaningLog.h"
+
+Q_LOGGING_CATEGORY(lcKeyboardCleaning, "velmora.keyboardcleaning", QtInfoMsg)

@@ -1,0 +1,57 @@
+#include "ui/windowmanager/WindowManagerScreens.h"
+
+#include "app/BindingsProvider.h"
+#include "app/ModuleRegistry.h"
+#include "app/UserPreferences.h"
+#include "platform/Platform.h"
+#include "ui/windowmanager/WindowManagerPreferencesPage.h"
+#include "ui/windowmanager/WindowSwitcher.h"
+#include "windowmanager/WindowManagerModule.h"
+
+namespace velmora {
+
+WindowManagerScreens::WindowManagerScreens(AppContext& context, WindowManagerModule& windowManager)
+    : m_context(context), m_windowManager(windowManager),
+      m_switcher(std::make_unique<WindowSwitcher>(
+          windowManager.windowsCache(), *context.platform.accessibility, *context.platform.screens,
+          context.shortcuts, *context.platform.keyboardLayout,
+          [&prefs = context.preferences] { return prefs.theme.value().windowSwitcherWidth; })) {}
+
+WindowManagerScreens::~WindowManagerScreens() = default;
+
+QString WindowManagerScreens::switcherUnavailableReason() const {
+    if (const QString reason = m_windowManager.unavailableReason(); !reason.isEmpty())
+        return reason;
+    if (!m_context.preferences.windowManager.value().enableWindowSwitcher)
+        return "the window switcher is switched off (Preferences, Window Manager)";
+    return {};
+}
+
+void WindowManagerScreens::registerWith(ModuleRegistry& registry) {
+    registry.actions().setHandler<action::OpenWindowSwitcher>(
+        [this](const action::OpenWindowSwitcher& a) { m_switcher->open(a.previous); },
+        [this] { return switcherUnavailableReason(); });
+    auto& prefs = m_context.preferences;
+    using A = KeyboardAppAction;
+    registry.addProvider(ActionProviders::Slot::switcherAndAutoLayout,
+                         std::make_unique<BindingsProvider>(
+                             [&prefs]() -> const KeyboardBindings& { return prefs.keyboardBindings.value(); },
+                             registry.actions(),
+                             std::vector<BindingsProvider::Entry>{
+                                 {A::switchWindow, action::OpenWindowSwitcher{false}},
+                                 {A::switchWindowPrevious, action::OpenWindowSwitcher{true}}}));
+    registry.addStatus("switcher", [this] { return status(); });
+    registry.addPreferencePage(WindowManagerPreferencesPage::kTitle, [this] {
+        return new WindowManagerPreferencesPage(m_context.preferences, m_context.shortcuts,
+                                                *m_context.platform.keyboardLayout);
+    });
+}
+
+Json WindowManagerScreens::status() const {
+    Json rows = Json::array();
+    for (const auto& w : m_switcher->rows())
+        rows.push_back((w.appName.value_or("") + " — " + w.title.value_or("")).toStdString());
+    return {{"open", m_switcher->isOpen()}, {"rows", rows}, {"selected", m_switcher->selectedIndex()}};
+}
+
+} // namespace velmora

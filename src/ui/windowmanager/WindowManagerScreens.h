@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/AppContext.h"
+#include "app/Module.h"
+
+#include <memory>
+
+namespace velmora {
+
+class WindowManagerModule;
+class WindowSwitcher;
+
+// The window manager's screens: the window switcher (Alt+Tab) and the Window Manager preference page.
+class WindowManagerScreens final : public Module {
+public:
+    WindowManagerScreens(AppContext& context, WindowManagerModule& windowManager);
+    ~WindowManagerScreens() override;
+
+    QString name() const override { return "windowSwitcher"; }
+    void registerWith(ModuleRegistry& registry) override;
+
+    WindowSwitcher& switcher() { return *m_switcher; }
+
+private:
+    QString switcherUnavailableReason() const;
+    Json status() const;
+
+    AppContext& m_context;
+    WindowManagerModule& m_windowManager;
+    std::unique_ptr<WindowSwitcher> m_switcher;
+};
+
+} // namespace velmora

@@ -1,0 +1,101 @@
+#include "windowmanager/WindowManagerModule.h"
+
+#include "app/BindingsProvider.h"
+#include "app/ModuleRegistry.h"
+#include "app/UserPreferences.h"
+#include "platform/Platform.h"
+#include "windowmanager/ZoneShortcutProvider.h"
+
+#include <QCoreApplication>
+
+namespace velmora {
+
+namespace {
+
+Json optionalText(const std::optional<QString>& s) {
+    return s ? Json(*s) : Json(nullptr);
+}
+
+} // namespace
+
+WindowManagerModule::WindowManagerModule(AppContext& context)
+    : m_context(context),
+      m_cache(*context.platform.windowServer, qint32(QCoreApplication::applicationPid()), context.nowMs),
+      m_actions(
+          m_cache, *context.platform.accessibility, *context.platform.screens,
+          [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model) {}
+
+QString WindowManagerModule::unavailableReason() const {
+    if (!m_context.preferences.local.windowManagerEnabled())
+        return "the window manager is switched off (Preferences, Window Manager)";
+    return {};
+}
+
+void WindowManagerModule::registerWith(ModuleRegistry& registry) {
+    auto& actions = registry.actions();
+    const auto availability = [this] { return unavailableReason(); };
+    actions.setHandler<action::WindowAreas>(
+        [this](const action::WindowAreas& a) {
+            m_actions.applyZone({a.candidates, a.index});
+        },
+        availability);
+    actions.setHandler<action::CenterWindow>([this](const auto&) { m_actions.centerWindow(); }, availability);
+    actions.setHandler<action::MakeWindow16By9>([this](const auto&) { m_actions.makeWindow16By9(); },
+                                                availability);
+    actions.setHandler<action::MoveWindowToScreen>([this](const auto&) { m_actions.moveWindowToScreen(); },
+                                                   availability);
+    actions.setHandler<action::MatchSnappedWindowFrame>(
+        [this](const auto&) { m_actions.matchSnappedWindowFrame(); }, availability);
+
+    auto& prefs = m_context.preferences;
+    const auto bindings = [&prefs]() -> const KeyboardBindings& { return prefs.keyboardBindings.value(); };
+    using A = KeyboardAppAction;
+    using Slot = ActionProviders::Slot;
+    registry.addProvider(
+        Slot::windowManagerFocusedWindow,
+        std::make_unique<BindingsProvider>(
+            bindings, actions,
+            std::vector<BindingsProvider::Entry>{{A::windowManagerCenterWindow, action::CenterWindow{}},
+                                                 {A::makeWindow16By9, action::MakeWindow16By9{}}}));
+    registry.addProvider(Slot::zoneShortcuts, std::make_unique<ZoneShortcutProvider>(
+                                                  m_actions, [this] { return unavailableReason().isEmpty(); },
+                                                  [&prefs]() -> const WindowManagerPreferences& {
+                                                      return prefs.windowManager.value();
+                                                  }));
+    registry.addProvider(Slot::windowManagerScreens,
+                         std::make_unique<BindingsProvider>(
+                             bindings, actions,
+                             std::vector<BindingsProvider::Entry>{
+                                 {A::moveWindowToScreen, action::MoveWindowToScreen{}},
+                                 {A::matchSnappedWindowFrame, action::MatchSnappedWindowFrame{}}}));
+
+    registry.addCommand({"windows", "", "the windows the window manager acts on, front to back", 0, 0,
+                         [this](const QStringList&) { return windowsCommand(); }});
+    registry.addStatus("windowManager", [this] { return status(); });
+}
+
+void WindowManagerModule::start() {
+    m_cache.start();
+}
+
+ControlReply WindowManagerModule::windowsCommand() const {
+    Json list = Json::array();
+    for (const auto& w : m_cache.listWindows())
+        list.push_back({{"id", w.id},
+                        {"pid", w.pid},
+                        {"app", optionalText(w.appName)},
+                        {"title", optionalText(w.title)},
+                        {"frame", {w.frame.x, w.frame.y, w.frame.width, w.frame.height}},
+                        {"space", w.spaceId},
+                        {"focused", w.isFocused}});
+    return ControlReply::success(list);
+}
+
+Json WindowManagerModule::status() const {
+    const auto focused = m_cache.focusedWindow();
+    return {{"enabled", unavailableReason().isEmpty()},
+            {"windows", m_cache.windows().size()},
+            {"focused", focused ? Json(focused->id) : Json(nullptr)}};
+}
+
+} // namespace velmora
