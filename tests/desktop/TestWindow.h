@@ -14,6 +14,7 @@ public:
     QString output();
     int countLines(const QString& prefix);
     QProcess* process() const { return m_process; }
+    const QString& id() const { return m_windowId; }
 
 private:
     VirtualDesktop& m_desktop;

@@ -1,0 +1,128 @@
+// The module contract over the fake platform: what a module registers is seen, once, by matching,
+// grabbing, the command line, status and the help; what cannot run is neither matched nor grabbed.
+#include "agent/AppDelegate.h"
+#include "agent/ControlCommands.h"
+#include "clipboard/KeyboardCleaningModule.h"
+#include "core/KeyEvent.h"
+#include "platform/fake/FakePlatform.h"
+#include "windowmanager/WindowManagerModule.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+using namespace velmora;
+using namespace velmora::ModifierMask;
+
+namespace {
+
+struct Agent {
+    FakePlatform fake;
+    AppDelegate app{fake.platform, QProcessEnvironment()};
+    ControlCommands commands{app};
+    Agent() {
+        fake.defaults->setValue("WelcomeWindowSeen:V26", true);
+        app.applicationDidFinishLaunching();
+    }
+    bool grabbed(const KeyboardShortcut& c) const {
+        const auto& chords = fake.inputTap->chords;
+        return std::count(chords.begin(), chords.end(), c) == 1;
+    }
+    TapVerdict press(std::uint16_t key, std::uint64_t flags) {
+        fake.inputTap->send({TapEventType::FlagsChanged, flags, 0});
+        const auto verdict = fake.inputTap->send({TapEventType::KeyDown, flags, key});
+        fake.inputTap->send({TapEventType::KeyUp, flags, key});
+        fake.inputTap->send({TapEventType::FlagsChanged, 0, 0});
+        return verdict;
+    }
+};
+
+} // namespace
+
+TEST(ModuleContract, WhatModulesRegisterIsGrabbedMatchedAndListed) {
+    Agent agent;
+    ASSERT_TRUE(agent.app.module<WindowManagerModule>());
+    ASSERT_TRUE(agent.app.module<KeyboardCleaningModule>());
+
+    // Grabbing: each chord once, the window manager's and the switcher's; the clipboard's, dimming's
+    // and auto-layout's are bound by default but nothing here carries them out.
+    const auto centre = chord(Modifier::Control | Modifier::Alt, 8);
+    const auto leftHalf = chord(Modifier::Control | Modifier::Alt, 123);
+    const auto up = chord(Modifier::Control | Modifier::Alt, 126); // two zones share it
+    EXPECT_TRUE(agent.grabbed(centre));
+    EXPECT_TRUE(agent.grabbed(leftHalf));
+    EXPECT_TRUE(agent.grabbed(up));
+    EXPECT_TRUE(agent.grabbed(chord(Modifier::Alt, 48)));                      // Alt+Tab
+    EXPECT_FALSE(agent.grabbed(chord(Modifier::Control, 9)));                  // paste plain text directly
+    EXPECT_FALSE(agent.grabbed(chord(Modifier::Control | Modifier::Alt, 11))); // dimming
+    EXPECT_FALSE(agent.grabbed(chord(Modifier::Control | Modifier::Alt, 49))); // auto-layout
+
+    // Matching: the same chords, nothing else.
+    EXPECT_EQ(agent.press(8, Control | Option), TapVerdict::swallow);
+    EXPECT_EQ(agent.press(9, Control), TapVerdict::pass);
+    QCoreApplication::processEvents(); // actions run after the verdict
+    EXPECT_EQ(agent.app.dispatcher().lastAction(), "centerWindow");
+
+    // The command line, status and help see the modules' registrations.
+    const auto status = agent.commands.handle({"status"});
+    ASSERT_TRUE(status.ok);
+    EXPECT_TRUE(status.result.contains("windowManager"));
+    EXPECT_TRUE(status.result.contains("switcher"));
+    EXPECT_EQ(status.result["keyboardCleaning"], false);
+    const QString help = ControlCommands::usage(agent.app.registry());
+    EXPECT_TRUE(help.contains("  windows  ") || help.contains("windows "));
+    EXPECT_TRUE(help.contains("keyboard-cleaning on|off"));
+    EXPECT_EQ(help.count("keyboard-cleaning"), 1);
+    EXPECT_TRUE(agent.commands.handle({"windows"}).ok);
+    const auto missing = agent.commands.handle({"keyboard-cleaning"});
+    EXPECT_FALSE(missing.ok);
+    EXPECT_EQ(missing.error, "usage: velmora keyboard-cleaning on|off");
+    ASSERT_TRUE(agent.commands.handle({"keyboard-cleaning", "on"}).ok);
+    EXPECT_TRUE(agent.fake.inputTap->keyboardGrabbed);
+    EXPECT_EQ(agent.press(8, Control | Option), TapVerdict::swallow); // silenced, not dispatched
+    agent.app.applicationWillTerminate(); // stopping the module gives the keyboard back
+    EXPECT_FALSE(agent.fake.inputTap->keyboardGrabbed);
+}
+
+TEST(ModuleContract, SwitchingAFeatureOffFreesItsChordsAndTheCommandLineSaysWhy) {
+    Agent agent;
+    const auto centre = chord(Modifier::Control | Modifier::Alt, 8);
+    agent.app.preferences()->local.setWindowManagerEnabled(false);
+    EXPECT_FALSE(agent.grabbed(centre));
+    EXPECT_FALSE(agent.grabbed(chord(Modifier::Control | Modifier::Alt, 123)));
+    EXPECT_FALSE(agent.grabbed(chord(Modifier::Alt, 48)));
+    EXPECT_EQ(agent.press(8, Control | Option), TapVerdict::pass);
+
+    const auto refused = agent.commands.handle({"action", "centerWindow"});
+    EXPECT_FALSE(refused.ok);
+    EXPECT_TRUE(refused.error.contains("window manager is switched off")) << refused.error.toStdString();
+    const auto unknown = agent.commands.handle({"action", "centre"});
+    EXPECT_FALSE(unknown.ok);
+    EXPECT_TRUE(unknown.error.contains("centerWindow, makeWindow16By9")) << unknown.error.toStdString();
+
+    agent.app.preferences()->local.setWindowManagerEnabled(true);
+    EXPECT_TRUE(agent.grabbed(centre));
+    EXPECT_TRUE(agent.commands.handle({"action", "centerWindow"}).ok);
+}
+
+TEST(ModuleContract, PanelRowsAndPreferencePagesComeFromTheModules) {
+    Agent agent;
+    agent.app.openPreferences();
+    ASSERT_TRUE(agent.app.preferencesWindow());
+    EXPECT_EQ(agent.app.preferencesWindow()->pageTitles(),
+              QStringList({"General", "Window Manager", "Keyboard Shortcuts", "Developer"}));
+
+    auto& panelController = agent.app.menubarPopover()->windowController();
+    panelController.show(Rect{0, 0, 240, 800});
+    ASSERT_TRUE(panelController.window());
+    QWidget* panel = panelController.window();
+    QAbstractButton* cleaning = nullptr;
+    for (auto* b : panel->findChildren<QAbstractButton*>())
+        if (b->text() == "Keyboard Cleaning")
+            cleaning = b;
+    ASSERT_TRUE(cleaning);
+    cleaning->click();
+    EXPECT_TRUE(agent.app.module<KeyboardCleaningModule>()->model().isOn());
+    agent.commands.handle({"keyboard-cleaning", "off"});
+    EXPECT_FALSE(cleaning->isChecked()); // the row follows the model
+}
