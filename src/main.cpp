@@ -72,7 +72,7 @@ std::optional<Platform> makeX11Platform() {
     Platform platform;
     platform.backendResources.push_back(hub);
     platform.defaults = std::make_unique<SettingsDefaults>();
-    platform.permission = std::make_unique<X11Permission>(&hub->x());
+    platform.permission = std::make_unique<X11Permission>(hub.get());
     platform.commands = std::make_unique<ProcessCommands>();
     platform.keyboardLayout = std::make_unique<X11KeyboardLayout>();
     platform.inputTap = std::make_unique<X11InputTap>(probe);

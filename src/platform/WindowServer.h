@@ -36,6 +36,8 @@ public:
     // The process owning the active window; absent on an empty desktop.
     virtual std::optional<qint32> frontmostApplicationPid() const = 0;
     virtual std::set<quint64> currentSpaces() const = 0;
+    // Whether the change signals below are sent; a backend without them is polled.
+    virtual bool announcesChanges() const { return false; }
     // The windows asked of the server directly, bypassing any memory: to check that memory against.
     virtual std::vector<ServerWindow> listAfresh() const { return onScreenWindows(); }
 

@@ -11,7 +11,9 @@ namespace velmora {
 WindowsCache::WindowsCache(const WindowServer& server, qint32 ownPid, std::function<qint64()> nowMs,
                            QObject* parent)
     : QObject(parent), m_server(server), m_ownPid(ownPid), m_nowMs(std::move(nowMs)) {
-    m_timer.setInterval(500);
+    // A server that announces its changes is followed at once; the tick is then only a safety net
+    // and runs rarely, so an idle desktop does not wake the agent twice a second.
+    m_timer.setInterval(server.announcesChanges() ? 5000 : 500);
     connect(&m_timer, &QTimer::timeout, this, &WindowsCache::tick);
     // A focus change is seen at once, so the switcher order is right even for a quick Alt+Tab.
     connect(&server, &WindowServer::activeWindowChanged, this, &WindowsCache::tick);

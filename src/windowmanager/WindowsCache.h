@@ -14,9 +14,9 @@ namespace velmora {
 class WindowServer;
 
 // The windows the window manager acts on, in switcher order (most recently focused first), with the
-// time each was last seen focused. It follows the window server's change signals at once; the
-// half-second tick is a safety net for servers that announce nothing, and costs no server request
-// where the server answers from memory.
+// time each was last seen focused. It follows the window server's change signals at once; a tick
+// samples the server too: twice a second where the server announces nothing, else every five
+// seconds as a safety net that costs no server request.
 class WindowsCache : public QObject {
     Q_OBJECT
 public:

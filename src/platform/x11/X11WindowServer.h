@@ -23,6 +23,7 @@ public:
     std::optional<qint32> frontmostApplicationPid() const override;
     std::set<quint64> currentSpaces() const override;
     std::vector<ServerWindow> listAfresh() const override;
+    bool announcesChanges() const override { return true; }
 
     // What placing a window needs to know of it, from memory.
     struct Placement {
