@@ -1,23 +1,11 @@
-#include "agent/ControlCommands.h"
-#include "agent/AppDelegate.h"
-#include "platform/fake/FakePlatform.h"
+#include "FakeAgent.h"
 
 #include <gtest/gtest.h>
 
 using namespace velmora;
 
 namespace {
-
-struct Agent {
-    FakePlatform fake;
-    AppDelegate app{fake.platform, QProcessEnvironment()};
-    ControlCommands commands{app};
-    Agent() {
-        fake.defaults->setValue("WelcomeWindowSeen:V26", true);
-        app.applicationDidFinishLaunching();
-    }
-};
-
+using Agent = FakeAgent;
 } // namespace
 
 TEST(ControlCommands, StatusSaysWhyThePlatformCannotBeUsed) {

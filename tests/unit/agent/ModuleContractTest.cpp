@@ -1,10 +1,8 @@
 // The module contract over the fake platform: what a module registers is seen, once, by matching,
 // grabbing, the command line, status and the help; what cannot run is neither matched nor grabbed.
-#include "agent/AppDelegate.h"
-#include "agent/ControlCommands.h"
+#include "FakeAgent.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/KeyEvent.h"
-#include "platform/fake/FakePlatform.h"
 #include "windowmanager/WindowManagerModule.h"
 
 #include <QAbstractButton>
@@ -16,14 +14,7 @@ using namespace velmora::ModifierMask;
 
 namespace {
 
-struct Agent {
-    FakePlatform fake;
-    AppDelegate app{fake.platform, QProcessEnvironment()};
-    ControlCommands commands{app};
-    Agent() {
-        fake.defaults->setValue("WelcomeWindowSeen:V26", true);
-        app.applicationDidFinishLaunching();
-    }
+struct Agent : FakeAgent {
     bool grabbed(const KeyboardShortcut& c) const {
         const auto& chords = fake.inputTap->chords;
         return std::count(chords.begin(), chords.end(), c) == 1;
