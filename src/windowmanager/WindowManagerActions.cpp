@@ -42,7 +42,8 @@ std::optional<ZoneChoice> WindowManagerActions::zonesForChord(const KeyboardShor
     if (!screen)
         return std::nullopt;
     const auto target = targetOn(*screen);
-    return chooseZone(zones, target.usable, focused ? std::optional<Rect>(focused->frame) : std::nullopt);
+    return chooseZone(zones, target.usable, focused ? std::optional<Rect>(focused->frame) : std::nullopt,
+                      target.gap);
 }
 
 void WindowManagerActions::applyZone(const ZoneChoice& choice) {

@@ -8,15 +8,22 @@
 
 namespace velmora {
 
-Point placeWindow(Accessibility& access, quint32 window, Rect T, const Rect& U, double gap) {
-    assertMainThread("placeWindow");
+Rect placementTarget(const Rect& T, const Rect& U) {
     double x = std::trunc(T.x), y = std::trunc(T.y);
-    double width = std::min(std::trunc(T.width), U.width);
-    double height = std::min(std::trunc(T.height), U.height);
+    const double width = std::min(std::trunc(T.width), U.width);
+    const double height = std::min(std::trunc(T.height), U.height);
     if (x + width > U.maxX())
         x -= x + width - U.maxX();
     if (y + height > U.maxY())
         y -= y + height - U.maxY();
+    return {x, y, width, height};
+}
+
+Point placeWindow(Accessibility& access, quint32 window, Rect T, const Rect& U, double gap) {
+    assertMainThread("placeWindow");
+    const Rect target = placementTarget(T, U);
+    double x = target.x, y = target.y;
+    const double width = target.width, height = target.height;
 
     const auto actual = access.setFrame(window, {x, y, width, height});
     if (!actual)

@@ -12,4 +12,7 @@ class Accessibility;
 // edge than the gap. Returns the final position.
 Point placeWindow(Accessibility& access, quint32 window, Rect T, const Rect& U, double gap);
 
+// The frame placeWindow asks for: T truncated to whole points and kept inside U.
+Rect placementTarget(const Rect& T, const Rect& U);
+
 } // namespace velmora

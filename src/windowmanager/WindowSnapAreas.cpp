@@ -1,5 +1,7 @@
 #include "windowmanager/WindowSnapAreas.h"
 
+#include "windowmanager/WindowPlacement.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -69,7 +71,7 @@ std::optional<UnitRect> zoneRect(const WindowArea& area) {
 }
 
 std::optional<ZoneChoice> chooseZone(const std::vector<WindowArea>& zones, const Rect& U,
-                                     const std::optional<Rect>& W) {
+                                     const std::optional<Rect>& W, double gap) {
     if (U.isEmpty())
         return std::nullopt;
     const ScreenKind kind = screenKind(U.width, U.height);
@@ -80,20 +82,27 @@ std::optional<ZoneChoice> chooseZone(const std::vector<WindowArea>& zones, const
                 choice.candidates.push_back(*rect);
     if (choice.candidates.empty())
         return std::nullopt;
-    choice.index = cycleIndex(choice.candidates, U, W);
+    choice.index = cycleIndex(choice.candidates, U, W, gap);
     return choice;
 }
 
-int cycleIndex(const std::vector<UnitRect>& candidates, const Rect& U, const std::optional<Rect>& W) {
+int cycleIndex(const std::vector<UnitRect>& candidates, const Rect& U, const std::optional<Rect>& W,
+               double gap) {
     if (!W || U.isEmpty())
         return 0;
-    const UnitRect current{(W->minX() - U.minX()) / U.width, (W->minY() - U.minY()) / U.height,
-                           W->width / U.width, W->height / U.height};
-    const auto near = [](double a, double b) { return std::abs(a - b) < 0.01; };
+    const auto unit = [&U](const Rect& r) {
+        return UnitRect{(r.minX() - U.minX()) / U.width, (r.minY() - U.minY()) / U.height, r.width / U.width,
+                        r.height / U.height};
+    };
+    const auto near = [](const UnitRect& a, const UnitRect& b) {
+        const auto close = [](double p, double q) { return std::abs(p - q) < 0.01; };
+        return close(a.x, b.x) && close(a.y, b.y) && close(a.x + a.w, b.x + b.w) &&
+               close(a.y + a.h, b.y + b.h);
+    };
+    const UnitRect current = unit(*W);
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         const auto& c = candidates[i];
-        if (near(c.x, current.x) && near(c.y, current.y) && near(c.x + c.w, current.x + current.w) &&
-            near(c.y + c.h, current.y + current.h))
+        if (near(c, current) || near(unit(placementTarget(zoneFrame(c, U, gap), U)), current))
             return int((i + 1) % candidates.size());
     }
     return 0;

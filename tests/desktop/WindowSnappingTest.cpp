@@ -216,3 +216,32 @@ TEST(WindowSwitcher, AltTabSwitchesToThePreviousWindowOnRelease) {
         << first.output().toStdString();
     EXPECT_FALSE(agent.status()["switcher"].value("open", true));
 }
+
+// A portrait screen with the factory zones and gaps: Super+Alt+Up cycles the whole screen and the
+// top half, pressed again and again (the whole zone's frame ends 9 points short of the right edge).
+TEST(PortraitScreen, TheUpChordCyclesWholeScreenAndTopHalf) {
+    VirtualDesktop desktop{{900, 1440, false}};
+    ASSERT_TRUE(desktop.isReady());
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["tap"].value("state", "") == "active"; }));
+    TestWindow window(desktop, "tall");
+    ASSERT_TRUE(window.waitUntilMapped());
+    window.activate();
+    const auto frame = [&]() -> std::optional<Json> {
+        const auto windows = agent.json({"windows"});
+        if (!windows || windows->empty())
+            return std::nullopt;
+        return (*windows)[0]["frame"];
+    };
+    ASSERT_TRUE(waitUntil([&] { return frame().has_value(); }));
+    // Gap 900 x 0.5 x 0.017 = 7.65 on every side, truncated.
+    for (const char* expected :
+         {"[7, 7, 884, 1424]", "[7, 7, 884, 708]", "[7, 7, 884, 1424]", "[7, 7, 884, 708]"}) {
+        desktop.run("xdotool", {"key", "super+alt+Up"});
+        const auto want = Json::parse(expected);
+        std::optional<Json> got;
+        EXPECT_TRUE(waitUntil([&] { return (got = frame()) && *got == want; }, 3000))
+            << (got ? got->dump() : "nothing") << " != " << want.dump();
+    }
+}

@@ -1,5 +1,6 @@
 #include "windowmanager/WindowSnapAreas.h"
 #include "core/DefaultValues.h"
+#include "windowmanager/WindowPlacement.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +39,23 @@ TEST(WindowSnapAreas, CycleUsesTheRawZoneWithinOneHundredth) {
     EXPECT_EQ(cycleIndex(two, U, Rect{10, 0, 500, 1000}), 0); // 0.01 off is no longer in the zone
     EXPECT_EQ(cycleIndex(two, U, Rect{0, 0, 667, 1000}), 0);  // wraps
     EXPECT_EQ(cycleIndex(two, U, std::nullopt), 0);
+}
+
+TEST(WindowSnapAreas, AWindowPlacedInAZoneIsRecognisedThereOnEveryScreenShape) {
+    // The factory "Custom" and "Top Half" share a chord. On a 900-point-wide portrait screen the whole
+    // zone is placed at x 7 (7.65 truncated) with width 884: 9 points short of the right edge, exactly
+    // 0.01 of the width, so the raw rectangle alone would never see the window there.
+    const std::vector<UnitRect> upZones{{0, 0, 1, 1}, {0, 0, 1, 0.5}};
+    for (const Rect U : {Rect{0, 24, 900, 1416}, Rect{0, 0, 1440, 876}, Rect{0, 0, 768, 1366}}) {
+        const double g = snapGap(U, 0.5);
+        for (std::size_t i = 0; i < upZones.size(); ++i) {
+            const Rect placed = placementTarget(zoneFrame(upZones[i], U, g), U);
+            EXPECT_EQ(cycleIndex(upZones, U, placed, g), int((i + 1) % upZones.size()))
+                << U.width << "x" << U.height << " zone " << i;
+        }
+    }
+    // A window only near the zone still is not in it.
+    EXPECT_EQ(cycleIndex(upZones, {0, 0, 900, 1416}, Rect{30, 30, 800, 1300}, 7.65), 0);
 }
 
 TEST(WindowSnapAreas, ZoneFramesHaveFullGapsAtEdgesAndHalfGapsBetween) {
