@@ -1,8 +1,10 @@
 # The two commands of the README: `make run` and `make test`. Both install what they need first.
 PRESET ?= default
 BUILD := build
+# Where `make install` puts Velmora; ~/.local needs no root.
+PREFIX ?= $(HOME)/.local
 
-.PHONY: setup build run test bench format format-check clean
+.PHONY: setup build run test bench format format-check clean install
 
 setup:
 	@tools/setup
@@ -13,6 +15,9 @@ build: setup
 
 run: build
 	@tools/run-agent $(BUILD)/velmora
+
+install: build
+	@cmake --install $(BUILD) --prefix "$(patsubst ~%,$(HOME)%,$(PREFIX))" --strip
 
 test: setup
 	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(if $(CI),ci,$(PRESET))

@@ -8,6 +8,7 @@
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/XdgAutostart.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventHub.h"
@@ -19,7 +20,9 @@
 #include "platform/x11/X11WindowServer.h"
 
 #include <QApplication>
+#include <QFile>
 #include <cstdio>
+#include <xcb/xcb.h>
 
 using namespace velmora;
 
@@ -40,13 +43,29 @@ int runClient(int argc, char** argv) {
             std::fputs(ControlCommands::usage().toUtf8().constData(), stdout);
         return 0;
     }
+    // Large records do not fit in an argument: "-" reads the value from standard input.
+    if (args.size() == 4 && args[0] == "prefs" && args[1] == "set" && args[3] == "-") {
+        QFile in;
+        in.open(stdin, QIODevice::ReadOnly);
+        args[3] = QString::fromUtf8(in.readAll());
+    }
     return ControlClient::run(args);
 }
 
 // Only an X11 display will do; say plainly what is missing instead of letting the toolkit abort.
 bool hasX11Display() {
-    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
-        return true;
+    if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
+        // Asked before the toolkit starts: it would abort with advice about reinstalling.
+        xcb_connection_t* probe = xcb_connect(nullptr, nullptr);
+        const bool reachable = !xcb_connection_has_error(probe);
+        xcb_disconnect(probe);
+        if (!reachable)
+            std::fprintf(stderr,
+                         "velmora: cannot open the X display %s (is the X server running, and may this user "
+                         "use it?)\n",
+                         qgetenv("DISPLAY").constData());
+        return reachable;
+    }
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         std::fputs("velmora: this is a Wayland session without X11; Velmora needs an X11 desktop for now.\n",
                    stderr);
@@ -79,6 +98,7 @@ std::optional<Platform> makeX11Platform() {
     platform.screens = std::make_unique<X11Screens>(*hub, *windowServer);
     platform.accessibility = std::make_unique<X11Accessibility>(std::move(*own), *windowServer);
     platform.windowServer = std::move(windowServer);
+    platform.loginItem = std::make_unique<XdgAutostart>();
     return platform;
 }
 

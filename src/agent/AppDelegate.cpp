@@ -201,7 +201,8 @@ void AppDelegate::openPreferences() {
         return;
     if (!m_preferencesWindow) {
         m_preferencesWindow = new PreferencesWindow();
-        m_preferencesWindow->addPage("General", new GeneralPreferencesPage(*m_preferences));
+        m_preferencesWindow->addPage("General",
+                                     new GeneralPreferencesPage(*m_preferences, *m_platform.loginItem));
         for (const auto& [title, page] : m_registry->preferencePages())
             m_preferencesWindow->addPage(title, page());
         m_preferencesWindow->addPage(KeyboardShortcutsPreferencesPage::kTitle,

@@ -47,6 +47,18 @@ std::optional<QVariant> localValueFromJson(const Json& j, QMetaType::Type type) 
     return std::nullopt;
 }
 
+// What a local value takes, in the words of the command line.
+QString kindOf(QMetaType::Type type) {
+    switch (type) {
+    case QMetaType::Bool:
+        return "true or false";
+    case QMetaType::Double:
+        return "a number";
+    default:
+        return "text in quotes";
+    }
+}
+
 Json localValueToJson(const QVariant& v) {
     switch (v.typeId()) {
     case QMetaType::Bool:
@@ -138,7 +150,31 @@ ControlReply ControlCommands::handle(const QStringList& args) {
                     QString("usage: velmora %1 %2").arg(c->name, c->arguments).trimmed());
             return c->run(args.mid(1));
         }
+    if (const QString usage = usageOf(args); !usage.isEmpty())
+        return ControlReply::failure(usage);
     return ControlReply::failure(QString("unknown command \"%1\"; see velmora --help").arg(args.join(' ')));
+}
+
+// For a known command given the wrong arguments: how it is written.
+QString ControlCommands::usageOf(const QStringList& args) {
+    QStringList forms;
+    for (const auto& line : agentCommands()) {
+        const QStringList words = line.command.split(' ');
+        if (words.value(0) != args.value(0))
+            continue;
+        // "prefs get" narrows to its own form; "prefs" alone lists every form of prefs.
+        const bool subcommand =
+            words.size() > 1 && words[1].toLower() == words[1] && !words[1].startsWith('[');
+        if (subcommand && args.size() > 1 && words[1] != args[1])
+            continue;
+        forms << "velmora " + line.command;
+    }
+    if (forms.isEmpty())
+        return {};
+    QString text = "missing or extra arguments; usage: " + forms.join(" | ");
+    if (args.value(0) == "action")
+        text += "; the actions are: " + allActionNames().join(", ");
+    return text;
 }
 
 ControlReply ControlCommands::status() {
@@ -237,28 +273,34 @@ ControlReply ControlCommands::prefsSet(const QString& key, const QString& text) 
     try {
         value = Json::parse(text.toStdString());
     } catch (const Json::parse_error& e) {
-        return ControlReply::failure(QString("not JSON: %1").arg(e.what()));
+        return ControlReply::failure(
+            QString("%1 was not changed: the value is not valid JSON (near character %2)")
+                .arg(key)
+                .arg(e.byte));
     }
     if (auto* record = prefs->record(key)) {
         QByteArray data;
         if (record->isOptional()) {
             if (!value.is_null() && !value.is_string())
-                return ControlReply::failure(key + " takes a base64 string or null");
+                return ControlReply::failure(
+                    key + " was not changed: it takes image data in base64 (text) or null");
             data = value.is_null() ? QByteArray() : QByteArray::fromBase64(value.get<std::string>().c_str());
         } else {
             data = QByteArray::fromStdString(value.dump());
         }
         QString error;
         if (!record->assignData(data, &error))
-            return ControlReply::failure(QString("%1 does not accept that value: %2").arg(key, error));
+            return ControlReply::failure(QString("%1 was not changed: %2").arg(key, error));
         return prefsGet(key);
     }
     if (LocalUserPreferences::keys().contains(key)) {
         const auto type = LocalUserPreferences::typeOf(key);
         const auto v = localValueFromJson(value, type);
         if (!v)
-            return ControlReply::failure(QString("%1 takes a %2").arg(key, QMetaType(type).name()));
-        m_app.platform().defaults->setValue(key, *v);
+            return ControlReply::failure(QString("%1 was not changed: it takes %2").arg(key, kindOf(type)));
+        if (!m_app.platform().defaults->setValue(key, *v))
+            return ControlReply::failure(QString("%1 was not changed: the settings cannot be saved: %2")
+                                             .arg(key, m_app.platform().defaults->lastWriteError()));
         return prefsGet(key);
     }
     return ControlReply::failure(QString("no preference named \"%1\" (see velmora prefs list)").arg(key));

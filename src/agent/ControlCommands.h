@@ -21,6 +21,7 @@ public:
     static QString usage(const ModuleRegistry* registry = nullptr);
 
 private:
+    static QString usageOf(const QStringList& args);
     ControlReply status();
     ControlReply prefsGet(const QString& key);
     ControlReply prefsSet(const QString& key, const QString& text);

@@ -40,7 +40,7 @@ std::vector<KeyboardShortcut> ActionProviders::swallowableChords() const {
     std::vector<KeyboardShortcut> chords;
     for (const auto& entry : m_entries)
         for (const auto& c : entry.provider->chords())
-            if (!c.disabled && c.hasModifier() && std::find(chords.begin(), chords.end(), c) == chords.end())
+            if (!c.disabled && c.canBeGlobal() && std::find(chords.begin(), chords.end(), c) == chords.end())
                 chords.push_back(c);
     return chords;
 }

@@ -30,18 +30,34 @@ void CKValueObservableBase::loadLocalValue() {
     m_modificationDate = m_defaults.value(modificationDateKey()).value_or(0.0).toDouble();
 }
 
-void CKValueObservableBase::storeLocally() {
+bool CKValueObservableBase::storeLocally(QString* error) {
     m_writing = true;
-    m_modificationDate = QDateTime::currentMSecsSinceEpoch() / 1000.0;
+    const double now = QDateTime::currentMSecsSinceEpoch() / 1000.0;
     const QByteArray bytes = data();
+    bool stored = false;
     if (m_isOptional && bytes.isEmpty())
-        m_defaults.remove(m_key);
+        stored = m_defaults.remove(m_key);
     else if (m_isOptional)
-        m_defaults.setValue(m_key, bytes);
+        stored = m_defaults.setValue(m_key, bytes);
     else
-        m_defaults.setValue(m_key, QString::fromUtf8(bytes)); // JSON text stays readable in the file
-    m_defaults.setValue(modificationDateKey(), *m_modificationDate);
+        stored = m_defaults.setValue(m_key, QString::fromUtf8(bytes)); // JSON text stays readable in the file
+    if (stored)
+        stored = m_defaults.setValue(modificationDateKey(), now);
     m_writing = false;
+    if (stored) {
+        m_modificationDate = now;
+        return true;
+    }
+    const QString reason =
+        QString("the settings cannot be saved: %1")
+            .arg(m_defaults.lastWriteError().isEmpty() ? QString("the file cannot be written")
+                                                       : m_defaults.lastWriteError());
+    VELMORA_LOG(m_log, LogContext::Default, LogLevel::Error,
+                QString("%1 was not changed: %2.").arg(m_key, reason));
+    if (error)
+        *error = reason;
+    emit writeFailed(reason);
+    return false;
 }
 
 } // namespace velmora

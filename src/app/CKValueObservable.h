@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace velmora {
 
@@ -32,18 +33,23 @@ public:
 
     // The value as stored: JSON text for records, raw bytes for the optional image; empty when absent.
     virtual QByteArray data() const = 0;
-    // Decodes first; on success assigns the whole value (stored at once), else leaves it untouched.
+    // Decodes and checks first; on success assigns the whole value (stored at once), else leaves it
+    // untouched. *error says why in plain words.
     virtual bool assignData(const QByteArray& data, QString* error) = 0;
 
     // Reads the local form written by an earlier run (or another process).
     void loadLocalValue();
 
 signals:
+    // Also sent when a change could not be stored, so that every view shows the value still in force.
     void valueChanged();
+    // A change was refused because the settings cannot be written; reason in plain words.
+    void writeFailed(const QString& reason);
 
 protected:
     virtual bool publishDecoded(const std::optional<QByteArray>& data, QString* error) = 0;
-    void storeLocally();
+    // Writes the current value; false (nothing written, the reason logged and announced) on failure.
+    bool storeLocally(QString* error);
 
     QString modificationDateKey() const { return m_key + ".modificationDate"; }
 
@@ -71,21 +77,34 @@ public:
         loadLocalValue();
     }
 
+    using Check = std::function<std::optional<QString>(const T&)>;
+
     const T& value() const { return m_value; }
-    void setValue(T value) {
+    // Stores the whole value; false when it cannot be stored, and the previous value stays.
+    bool setValue(T value, QString* error = nullptr) {
         assertMainThread("CKValueObservable::setValue");
-        m_value = std::move(value);
-        storeLocally();
+        T previous = std::exchange(m_value, std::move(value));
+        const bool stored = storeLocally(error);
+        if (!stored)
+            m_value = std::move(previous);
         emit valueChanged();
+        return stored;
     }
+    // What a value from outside (the command line) must satisfy beyond decoding.
+    void setCheck(Check check) { m_check = std::move(check); }
 
     QByteArray data() const override { return m_toData(m_value); }
     bool assignData(const QByteArray& data, QString* error) override {
         auto decoded = m_fromData(data, error);
         if (!decoded)
             return false;
-        setValue(std::move(*decoded));
-        return true;
+        if (m_check)
+            if (const auto problem = m_check(*decoded)) {
+                if (error)
+                    *error = *problem;
+                return false;
+            }
+        return setValue(std::move(*decoded), error);
     }
 
 protected:
@@ -104,6 +123,7 @@ private:
     T m_value;
     ToData m_toData;
     FromData m_fromData;
+    Check m_check;
 };
 
 // The encoder/decoder pair of a JSON record.

@@ -20,8 +20,18 @@ QString LocalUserPreferences::userId() const {
     return m_defaults.value("UserId").value_or(QString()).toString();
 }
 
-void LocalUserPreferences::setUserId(const QString& id) {
-    m_defaults.setValue("UserId", id);
+bool LocalUserPreferences::setUserId(const QString& id) {
+    return store("UserId", id);
+}
+
+bool LocalUserPreferences::store(const QString& key, const QVariant& value) {
+    if (m_defaults.setValue(key, value))
+        return true;
+    const QString why = m_defaults.lastWriteError().isEmpty() ? QString("the file cannot be written")
+                                                              : m_defaults.lastWriteError();
+    emit changed(key);
+    emit writeFailed(QString("the settings cannot be saved: %1").arg(why));
+    return false;
 }
 
 double LocalUserPreferences::autoUpdateLastCheckTime() const {

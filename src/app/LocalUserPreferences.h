@@ -13,19 +13,17 @@ public:
     explicit LocalUserPreferences(Defaults& defaults, QObject* parent = nullptr);
 
     QString userId() const;
-    void setUserId(const QString& id);
+    bool setUserId(const QString& id);
     bool launchOnStart() const { return boolValue("LaunchOnStart", false); }
-    void setLaunchOnStart(bool on) { m_defaults.setValue("LaunchOnStart", on); }
+    bool setLaunchOnStart(bool on) { return store("LaunchOnStart", on); }
     bool developerLogsEnabled() const { return boolValue("DeveloperLogsEnabled", false); }
-    void setDeveloperLogsEnabled(bool on) { m_defaults.setValue("DeveloperLogsEnabled", on); }
+    bool setDeveloperLogsEnabled(bool on) { return store("DeveloperLogsEnabled", on); }
     bool windowManagerEnabled() const { return boolValue("WindowManagerEnabled", true); }
-    void setWindowManagerEnabled(bool on) { m_defaults.setValue("WindowManagerEnabled", on); }
+    bool setWindowManagerEnabled(bool on) { return store("WindowManagerEnabled", on); }
     bool clipboardHistoryEnabled() const { return boolValue("ClipboardHistoryEnabled", true); }
-    void setClipboardHistoryEnabled(bool on) { m_defaults.setValue("ClipboardHistoryEnabled", on); }
+    bool setClipboardHistoryEnabled(bool on) { return store("ClipboardHistoryEnabled", on); }
     double autoUpdateLastCheckTime() const;
-    void setAutoUpdateLastCheckTime(double seconds) {
-        m_defaults.setValue("AutoUpdateLastCheckTime", seconds);
-    }
+    bool setAutoUpdateLastCheckTime(double seconds) { return store("AutoUpdateLastCheckTime", seconds); }
 
     // The defaults keys in field order, and their types, for the command line.
     static const QStringList& keys();
@@ -33,9 +31,12 @@ public:
     QVariant value(const QString& key) const;
 
 signals:
+    // Also sent when a change could not be stored, so that every view shows the value still in force.
     void changed(const QString& key);
+    void writeFailed(const QString& reason);
 
 private:
+    bool store(const QString& key, const QVariant& value);
     bool boolValue(const char* key, bool fallback) const;
 
     Defaults& m_defaults;

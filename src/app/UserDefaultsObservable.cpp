@@ -12,8 +12,8 @@ UserDefaultsObservable::UserDefaultsObservable(QString key, Defaults& storage, Q
     });
 }
 
-void UserDefaultsObservable::setValue(const QVariant& value) {
-    m_storage.setValue(m_key, value); // announces the change, which reload() picks up
+bool UserDefaultsObservable::setValue(const QVariant& value) {
+    return m_storage.setValue(m_key, value); // announces the change, which reload() picks up
 }
 
 void UserDefaultsObservable::reload() {

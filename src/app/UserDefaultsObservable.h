@@ -13,7 +13,7 @@ public:
 
     const QString& key() const { return m_key; }
     QVariant value() const { return m_value; }
-    void setValue(const QVariant& value);
+    bool setValue(const QVariant& value);
 
 signals:
     void valueChanged(const QVariant& value);

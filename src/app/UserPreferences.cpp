@@ -1,5 +1,7 @@
 #include "app/UserPreferences.h"
 
+#include "core/PreferenceChecks.h"
+
 namespace velmora {
 
 namespace {
@@ -29,7 +31,19 @@ UserPreferences::UserPreferences(Defaults& defaults, LoggingManager& log, QObjec
       theme("ThemePreferences", {}, false, encodeRecord<ThemePreferences>, decodeRecord<ThemePreferences>,
             defaults, log, this),
       menubarMainIcon("MenubarMainIcon", std::nullopt, true, iconToData, iconFromData, defaults, log, this),
-      local(defaults, this) {}
+      local(defaults, this) {
+    // Values from outside (the command line) must mean something, not only decode.
+    windowManager.setCheck(
+        [this](const WindowManagerPreferences& r) { return problemWith(r, keyboardBindings.value()); });
+    keyboardBindings.setCheck(
+        [this](const KeyboardBindings& r) { return problemWith(r, windowManager.value()); });
+    clipboard.setCheck([](const ClipboardPreferences& r) { return problemWith(r); });
+    theme.setCheck([](const ThemePreferences& r) { return problemWith(r); });
+    menubarMainIcon.setCheck([](const std::optional<QByteArray>& icon) { return problemWithIcon(icon); });
+    for (auto* r : records())
+        connect(r, &CKValueObservableBase::writeFailed, this, &UserPreferences::writeFailed);
+    connect(&local, &LocalUserPreferences::writeFailed, this, &UserPreferences::writeFailed);
+}
 
 std::vector<CKValueObservableBase*> UserPreferences::records() {
     return {&basic, &windowManager, &clipboard, &keyboardBindings, &theme, &menubarMainIcon};

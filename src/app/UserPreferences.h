@@ -31,6 +31,10 @@ public:
     // Every synchronised value, in the order above; a record by its defaults key, or null.
     std::vector<CKValueObservableBase*> records();
     CKValueObservableBase* record(const QString& key);
+
+signals:
+    // A change, from wherever it was made, could not be stored; the previous value stays in force.
+    void writeFailed(const QString& reason);
 };
 
 } // namespace velmora

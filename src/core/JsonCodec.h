@@ -9,6 +9,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 // Records are encoded with their field names as keys, in declaration order, so that the stored text
@@ -32,14 +33,32 @@ inline Json encodeCase(const char* name) {
 // Returns the single case name of {"Case": {}}, or throws DecodeError.
 std::string decodeCase(const Json& j);
 
-// Reads a required field; a missing key is a decoding error naming the key.
+// What a value of type T looks like in JSON, for messages people read.
+template <class T> const char* expectedKind() {
+    if constexpr (std::is_same_v<T, bool>)
+        return "true or false";
+    else if constexpr (std::is_arithmetic_v<T>)
+        return "a number";
+    else if constexpr (std::is_same_v<T, QString> || std::is_same_v<T, std::string>)
+        return "text in quotes";
+    else
+        return "a value of another form";
+}
+
+// Reads a required field; a missing key or a value of the wrong kind is a decoding error naming the
+// key in plain words.
 template <class T> T requiredField(const Json& j, const char* key) {
-    if (!j.is_object() || !j.contains(key))
-        throw DecodeError(std::string("missing key \"") + key + "\"");
+    if (!j.is_object())
+        throw DecodeError(std::string("expected an object with \"") + key + "\", got " + j.dump());
+    if (!j.contains(key))
+        throw DecodeError(std::string("\"") + key + "\" is missing");
     try {
         return j.at(key).get<T>();
-    } catch (const nlohmann::json::exception& e) {
-        throw DecodeError(std::string("key \"") + key + "\": " + e.what());
+    } catch (const DecodeError& e) {
+        throw DecodeError(std::string("\"") + key + "\": " + e.what());
+    } catch (const nlohmann::json::exception&) {
+        throw DecodeError(std::string("\"") + key + "\" must be " + expectedKind<T>() + ", not " +
+                          j.at(key).dump());
     }
 }
 
@@ -67,13 +86,13 @@ template <class T> void putOptionalMember(Json& j, const char* key, const std::o
 // library would silently truncate or wrap them).
 template <std::integral T> T requiredInteger(const Json& j, const char* key) {
     if (!j.is_object() || !j.contains(key))
-        throw DecodeError(std::string("missing key \"") + key + "\"");
+        throw DecodeError(std::string("\"") + key + "\" is missing");
     const Json& v = j.at(key);
     const bool fits = v.is_number_unsigned()  ? std::in_range<T>(v.get<std::uint64_t>())
                       : v.is_number_integer() ? std::in_range<T>(v.get<std::int64_t>())
                                               : false;
     if (!fits)
-        throw DecodeError(std::string("key \"") + key + "\": not an integer in range: " + v.dump());
+        throw DecodeError(std::string("\"") + key + "\" must be a whole number, not " + v.dump());
     return v.get<T>();
 }
 
@@ -86,11 +105,17 @@ template <class T> std::string encodeJson(const T& value) {
 template <class T> std::optional<T> decodeJson(const std::string& text, std::string* error = nullptr) {
     try {
         return Json::parse(text).get<T>();
-    } catch (const std::exception& e) {
+    } catch (const DecodeError& e) {
         if (error)
             *error = e.what();
-        return std::nullopt;
+    } catch (const Json::parse_error& e) {
+        if (error)
+            *error = "not valid JSON (near character " + std::to_string(e.byte) + ")";
+    } catch (const std::exception&) {
+        if (error)
+            *error = "the value does not have the form of this record";
     }
+    return std::nullopt;
 }
 
 } // namespace velmora

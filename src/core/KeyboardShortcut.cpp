@@ -2,6 +2,15 @@
 
 namespace velmora {
 
+bool KeyboardShortcut::isFunctionKey(quint16 keyCode) {
+    // F1 to F12 in the virtual key codes.
+    static constexpr quint16 kFunctionKeys[] = {122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111};
+    for (const quint16 f : kFunctionKeys)
+        if (keyCode == f)
+            return true;
+    return false;
+}
+
 bool KeyboardShortcut::matches(const KeyboardShortcut& pressed) const {
     return control == pressed.control && alt == pressed.alt && command == pressed.command &&
            shift == pressed.shift && keyCode == pressed.keyCode && disabled == pressed.disabled;

@@ -21,6 +21,10 @@ struct KeyboardShortcut {
     // bindings.
     bool matches(const KeyboardShortcut& pressed) const;
     bool hasModifier() const { return control || alt || command || shift; }
+    // Whether the chord may work across the desktop: it holds Ctrl, Alt or Super, or it is a function
+    // key. Shift alone is typing ("A"), so a Shift-only chord would eat ordinary text.
+    bool canBeGlobal() const { return control || alt || command || isFunctionKey(keyCode); }
+    static bool isFunctionKey(quint16 keyCode);
 
     bool operator==(const KeyboardShortcut&) const = default;
 };

@@ -17,8 +17,11 @@ public:
     ~Defaults() override = default;
 
     virtual std::optional<QVariant> value(const QString& key) const = 0;
-    virtual void setValue(const QString& key, const QVariant& value) = 0;
-    virtual void remove(const QString& key) = 0;
+    // Each returns false, with the entry as it was, when the change cannot be stored (a read-only
+    // file or folder, a full disk); lastWriteError() then says why in plain words.
+    virtual bool setValue(const QString& key, const QVariant& value) = 0;
+    virtual bool remove(const QString& key) = 0;
+    virtual QString lastWriteError() const { return {}; }
 
 signals:
     void valueChanged(const QString& key);

@@ -5,6 +5,7 @@
 #include "platform/Defaults.h"
 #include "platform/InputTap.h"
 #include "platform/KeyboardLayout.h"
+#include "platform/LoginItem.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
 #include "platform/WindowServer.h"
@@ -26,6 +27,7 @@ struct Platform {
     std::unique_ptr<InputTap> inputTap;
     std::unique_ptr<WindowServer> windowServer;
     std::unique_ptr<Accessibility> accessibility;
+    std::unique_ptr<LoginItem> loginItem;
 };
 
 } // namespace velmora

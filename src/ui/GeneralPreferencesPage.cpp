@@ -1,34 +1,102 @@
 #include "ui/GeneralPreferencesPage.h"
 
+#include "Version.h"
 #include "app/UserPreferences.h"
+#include "platform/LoginItem.h"
+#include "ui/AppIcon.h"
 
 #include <QCheckBox>
+#include <QDir>
+#include <QGridLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
 namespace velmora {
 
-GeneralPreferencesPage::GeneralPreferencesPage(UserPreferences& preferences, QWidget* parent)
-    : QWidget(parent) {
+namespace {
+
+QLabel* hint(const QString& text) {
+    auto* label = new QLabel(text);
+    label->setWordWrap(true);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+QWidget* aboutSection() {
+    auto* about = new QWidget();
+    auto* grid = new QGridLayout(about);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(14);
+    auto* icon = new QLabel();
+    icon->setPixmap(appIcon().pixmap(64, 64));
+    grid->addWidget(icon, 0, 0, 3, 1, Qt::AlignTop);
+    grid->addWidget(new QLabel("<b>Velmora</b>"), 0, 1);
+    auto* version = new QLabel(QString("Version %1").arg(kVersion));
+    version->setObjectName("version");
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    grid->addWidget(version, 1, 1);
+    grid->addWidget(
+        hint("Desktop tools behind one tray icon: window zones by keyboard, a window switcher and "
+             "keyboard cleaning, for X11 desktops."),
+        2, 1);
+    grid->setColumnStretch(1, 1);
+    return about;
+}
+
+} // namespace
+
+GeneralPreferencesPage::GeneralPreferencesPage(UserPreferences& preferences, LoginItem& loginItem,
+                                               QWidget* parent)
+    : QWidget(parent), m_preferences(preferences), m_loginItem(loginItem) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel("<h3>General</h3>"));
 
-    auto* autoUpdate = new QCheckBox("Automatic updates");
-    autoUpdate->setObjectName("autoUpdate");
-    layout->addWidget(autoUpdate);
+    m_launchAtLogin = new QCheckBox("Launch at login");
+    m_launchAtLogin->setObjectName("launchOnStart");
+    layout->addWidget(m_launchAtLogin);
+    m_launchProblem = new QLabel();
+    m_launchProblem->setObjectName("launchOnStartProblem");
+    m_launchProblem->setWordWrap(true);
+    QPalette warning = m_launchProblem->palette();
+    warning.setColor(QPalette::WindowText, QColor(0xc0, 0x30, 0x30));
+    m_launchProblem->setPalette(warning);
+    m_launchProblem->hide();
+    layout->addWidget(m_launchProblem);
+
+    layout->addSpacing(18);
+    layout->addWidget(new QLabel("<h3>About</h3>"));
+    layout->addWidget(aboutSection());
     layout->addStretch(1);
 
-    auto refresh = [autoUpdate, &preferences] {
-        const QSignalBlocker block(autoUpdate);
-        autoUpdate->setChecked(preferences.basic.value().autoUpdate);
-    };
-    refresh();
-    connect(&preferences.basic, &CKValueObservableBase::valueChanged, autoUpdate, refresh);
-    connect(autoUpdate, &QCheckBox::toggled, this, [&preferences](bool on) {
-        auto record = preferences.basic.value();
-        record.autoUpdate = on;
-        preferences.basic.setValue(record);
-    });
+    showLaunchAtLogin(m_loginItem.isEnabled());
+    connect(m_launchAtLogin, &QCheckBox::toggled, this, &GeneralPreferencesPage::requestLaunchAtLogin);
+}
+
+void GeneralPreferencesPage::showEvent(QShowEvent* event) {
+    showLaunchAtLogin(m_loginItem.isEnabled());
+    QWidget::showEvent(event);
+}
+
+void GeneralPreferencesPage::requestLaunchAtLogin(bool on) {
+    const bool result = m_loginItem.setEnabled(on);
+    showLaunchAtLogin(result);
+    if (result == on) {
+        m_launchProblem->hide();
+        return;
+    }
+    QString reason = m_loginItem.lastError();
+    reason.replace(QDir::homePath() + '/', "~/");
+    m_launchProblem->setText(QString("Launch at login could not be turned %1%2.")
+                                 .arg(on ? "on" : "off", reason.isEmpty() ? QString() : ": " + reason));
+    m_launchProblem->show();
+}
+
+// The switch and the stored flag follow the login item: it is what runs at the next login.
+void GeneralPreferencesPage::showLaunchAtLogin(bool on) {
+    const QSignalBlocker block(m_launchAtLogin);
+    m_launchAtLogin->setChecked(on);
+    if (m_preferences.local.launchOnStart() != on)
+        m_preferences.local.setLaunchOnStart(on);
 }
 
 } // namespace velmora

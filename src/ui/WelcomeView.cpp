@@ -25,10 +25,10 @@ WelcomeView::WelcomeView(std::function<void()> onGetStarted, QWidget* parent) : 
     layout->addWidget(title);
 
     auto* text = new QLabel("Velmora lives in your system tray. Click its icon to open the panel.<br><br>"
-                            "&bull; Snap windows into zones with keyboard shortcuts or by dragging<br>"
-                            "&bull; Keep a searchable history of everything you copy<br>"
-                            "&bull; Watch CPU, memory and network use per application<br>"
-                            "&bull; Clean your keyboard, dim monitors, keep the computer awake");
+                            "&bull; Snap windows into zones with keyboard shortcuts; press again to cycle<br>"
+                            "&bull; Centre a window, make it 16:9 or send it to the next screen<br>"
+                            "&bull; Switch windows with Alt+Tab, searching by name<br>"
+                            "&bull; Clean your keyboard without unplugging it");
     text->setWordWrap(true);
     layout->addWidget(text, 1);
 

@@ -48,23 +48,11 @@ std::vector<WindowArea> zonesForChord(const std::vector<WindowArea>& areas, cons
     return zones;
 }
 
-namespace {
-
-std::optional<double> sizeOrPoints(const QString& text) {
-    if (auto unit = parseZoneSize(text))
-        return unit;
-    bool ok = false;
-    const double points = text.trimmed().toDouble(&ok);
-    if (ok && std::isfinite(points) && points > 1)
-        return points;
-    return std::nullopt;
-}
-
-} // namespace
+namespace {} // namespace
 
 std::optional<UnitRect> zoneRect(const WindowArea& area) {
     const auto x = parseZonePosition(area.x), y = parseZonePosition(area.y);
-    const auto w = sizeOrPoints(area.w), h = sizeOrPoints(area.h);
+    const auto w = parseZoneSizeOrPoints(area.w), h = parseZoneSizeOrPoints(area.h);
     if (!x || !y || !w || !h)
         return std::nullopt;
     return UnitRect{*x, *y, *w, *h};

@@ -3,7 +3,7 @@
 #include "core/KeyboardShortcut.h"
 #include "core/Rect.h"
 #include "core/WindowArea.h"
-#include "windowmanager/ZoneNumber.h"
+#include "core/ZoneNumber.h"
 
 #include <optional>
 #include <vector>

@@ -101,7 +101,7 @@ TEST(AgentLifecycle, PreferencesRoundTripAndSurviveARestart) {
     const auto wrongShape =
         agent.command({"prefs", "set", "WindowManagerPreferences", R"({"spacing": "wide"})"});
     EXPECT_EQ(wrongShape.exitCode, 1);
-    EXPECT_TRUE(wrongShape.err.contains("does not accept")) << wrongShape.err.toStdString();
+    EXPECT_TRUE(wrongShape.err.contains("was not changed")) << wrongShape.err.toStdString();
     EXPECT_EQ(agent.command({"prefs", "set", "BasicPreferences", "{nope"}).exitCode, 1);
     EXPECT_EQ(agent.command({"prefs", "get", "NoSuchKey"}).exitCode, 1);
     EXPECT_EQ(agent.json({"prefs", "get", "WindowManagerPreferences"}), record);

@@ -16,14 +16,26 @@ public:
         auto it = m_values.constFind(key);
         return it == m_values.constEnd() ? std::nullopt : std::optional<QVariant>(*it);
     }
-    void setValue(const QString& key, const QVariant& value) override {
+    // Set to play a settings file that cannot be written.
+    bool failWrites = false;
+
+    bool setValue(const QString& key, const QVariant& value) override {
+        if (failWrites)
+            return false;
         m_values.insert(key, value);
         ++m_writes;
         emit valueChanged(key);
+        return true;
     }
-    void remove(const QString& key) override {
+    bool remove(const QString& key) override {
+        if (failWrites)
+            return false;
         if (m_values.remove(key) > 0)
             emit valueChanged(key);
+        return true;
+    }
+    QString lastWriteError() const override {
+        return failWrites ? "the settings file is read-only" : QString();
     }
     void simulateOutsideChange(const QString& key, const QVariant& value) {
         m_values.insert(key, value);

@@ -6,6 +6,7 @@
 #include "platform/fake/FakeDesktop.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
+#include "platform/fake/FakeLoginItem.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
 
@@ -20,6 +21,7 @@ struct FakePlatform {
     FakePermission* permission;
     FakeCommands* commands;
     FakeInputTap* inputTap;
+    FakeLoginItem* loginItem;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -41,6 +43,9 @@ struct FakePlatform {
         platform.inputTap = std::move(t);
         platform.windowServer = std::make_unique<FakeWindowServer>(desktop);
         platform.accessibility = std::make_unique<FakeAccessibility>(desktop);
+        auto l = std::make_unique<FakeLoginItem>();
+        loginItem = l.get();
+        platform.loginItem = std::move(l);
     }
 };
 

@@ -1,17 +1,44 @@
 #include "platform/linux/SettingsDefaults.h"
 
+#include "platform/linux/LinuxLog.h"
+
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace velmora {
 
-SettingsDefaults::SettingsDefaults(QObject* parent)
-    : Defaults(parent), m_settings(QSettings::NativeFormat, QSettings::UserScope, "Velmora", "Velmora") {
-    for (const auto& key : m_settings.allKeys())
-        m_snapshot.insert(key, m_settings.value(key));
+namespace {
+
+std::unique_ptr<QSettings> openSettings() {
+    return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, "Velmora", "Velmora");
+}
+
+} // namespace
+
+SettingsDefaults::SettingsDefaults(QObject* parent) : Defaults(parent), m_settings(openSettings()) {
+    setAsideIfCorrupt();
+    for (const auto& key : m_settings->allKeys())
+        m_snapshot.insert(key, m_settings->value(key));
     watchFile();
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &SettingsDefaults::reloadFromDisk);
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &SettingsDefaults::reloadFromDisk);
+}
+
+void SettingsDefaults::setAsideIfCorrupt() {
+    if (m_settings->status() != QSettings::FormatError)
+        return;
+    const QString file = m_settings->fileName();
+    const QString aside = file + ".corrupt-" + QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss");
+    m_settings.reset();
+    if (QFile::rename(file, aside))
+        qCWarning(lcLinux).noquote() << "The settings file" << file << "could not be read; it is kept as"
+                                     << aside << "and the defaults are used.";
+    else
+        qCWarning(lcLinux).noquote() << "The settings file" << file
+                                     << "could not be read, nor set aside; the defaults are used for now.";
+    m_settings = openSettings();
 }
 
 std::optional<QVariant> SettingsDefaults::value(const QString& key) const {
@@ -21,27 +48,59 @@ std::optional<QVariant> SettingsDefaults::value(const QString& key) const {
     return *it;
 }
 
-void SettingsDefaults::setValue(const QString& key, const QVariant& value) {
-    m_settings.setValue(key, value);
-    m_settings.sync();
-    // Read back what the file holds, so that our snapshot compares equal with the next reload.
-    m_snapshot.insert(key, m_settings.value(key));
-    watchFile();
-    emit valueChanged(key);
+bool SettingsDefaults::commit(const QString& key, const std::optional<QVariant>& previous) {
+    m_settings->sync();
+    if (m_settings->status() == QSettings::NoError) {
+        m_lastWriteError.clear();
+        return true;
+    }
+    const QFileInfo file(m_settings->fileName());
+    const bool writable =
+        QFileInfo(file.absolutePath()).isWritable() && (!file.exists() || file.isWritable());
+    m_lastWriteError =
+        writable ? QString("%1 could not be written (is the disk full?)").arg(file.filePath())
+                 : QString("%1 is read-only").arg(file.exists() ? file.filePath() : file.absolutePath());
+    // The pending change must not reach the file later, when it becomes writable again.
+    if (previous)
+        m_settings->setValue(key, *previous);
+    else
+        m_settings->remove(key);
+    return false;
 }
 
-void SettingsDefaults::remove(const QString& key) {
-    m_settings.remove(key);
-    m_settings.sync();
+bool SettingsDefaults::setValue(const QString& key, const QVariant& value) {
+    const auto previous = stored(key);
+    m_settings->setValue(key, value);
+    if (!commit(key, previous))
+        return false;
+    // Read back what the file holds, so that our snapshot compares equal with the next reload.
+    m_snapshot.insert(key, m_settings->value(key));
+    watchFile();
+    emit valueChanged(key);
+    return true;
+}
+
+bool SettingsDefaults::remove(const QString& key) {
+    const auto previous = stored(key);
+    m_settings->remove(key);
+    if (!commit(key, previous))
+        return false;
     if (m_snapshot.remove(key) > 0)
         emit valueChanged(key);
+    return true;
+}
+
+std::optional<QVariant> SettingsDefaults::stored(const QString& key) const {
+    if (!m_settings->contains(key))
+        return std::nullopt;
+    return m_settings->value(key);
 }
 
 void SettingsDefaults::reloadFromDisk() {
-    m_settings.sync();
+    m_settings->sync();
     QHash<QString, QVariant> fresh;
-    for (const auto& key : m_settings.allKeys())
-        fresh.insert(key, m_settings.value(key));
+    for (const auto& key : m_settings->allKeys())
+        fresh.insert(key, m_settings->value(key));
     QStringList changed;
     for (auto it = fresh.cbegin(); it != fresh.cend(); ++it)
         if (m_snapshot.value(it.key()) != it.value() || !m_snapshot.contains(it.key()))
@@ -57,7 +116,7 @@ void SettingsDefaults::reloadFromDisk() {
 }
 
 void SettingsDefaults::watchFile() {
-    const QFileInfo file(m_settings.fileName());
+    const QFileInfo file(m_settings->fileName());
     QDir().mkpath(file.absolutePath());
     if (!m_watcher.directories().contains(file.absolutePath()))
         m_watcher.addPath(file.absolutePath());

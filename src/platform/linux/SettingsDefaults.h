@@ -5,6 +5,7 @@
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QSettings>
+#include <memory>
 
 namespace velmora {
 
@@ -17,18 +18,26 @@ public:
     explicit SettingsDefaults(QObject* parent = nullptr);
 
     std::optional<QVariant> value(const QString& key) const override;
-    void setValue(const QString& key, const QVariant& value) override;
-    void remove(const QString& key) override;
+    bool setValue(const QString& key, const QVariant& value) override;
+    bool remove(const QString& key) override;
+    QString lastWriteError() const override { return m_lastWriteError; }
 
-    QString fileName() const { return m_settings.fileName(); }
+    QString fileName() const { return m_settings->fileName(); }
 
 private:
+    // A file that does not parse is kept aside under a new name, so nothing the user had is lost,
+    // and the agent starts from the defaults.
+    void setAsideIfCorrupt();
+    // Writes what is pending; on failure puts the entry back as it was and says why.
+    bool commit(const QString& key, const std::optional<QVariant>& previous);
+    std::optional<QVariant> stored(const QString& key) const;
     void reloadFromDisk();
     void watchFile();
 
-    QSettings m_settings;
+    std::unique_ptr<QSettings> m_settings;
     QFileSystemWatcher m_watcher;
     QHash<QString, QVariant> m_snapshot;
+    QString m_lastWriteError;
 };
 
 } // namespace velmora

@@ -1,6 +1,6 @@
 #include "ui/windowmanager/WindowAreaView.h"
 
-#include "windowmanager/ZoneNumber.h"
+#include "core/ZoneNumber.h"
 
 #include <QPainter>
 #include <QPainterPath>

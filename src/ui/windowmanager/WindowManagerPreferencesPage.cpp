@@ -1,9 +1,9 @@
 #include "ui/windowmanager/WindowManagerPreferencesPage.h"
 
 #include "app/UserPreferences.h"
+#include "core/ZoneNumber.h"
 #include "ui/KeyboardShortcutField.h"
 #include "ui/windowmanager/WindowAreaView.h"
-#include "windowmanager/ZoneNumber.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

@@ -1,6 +1,7 @@
-#include "windowmanager/ZoneNumber.h"
+#include "core/ZoneNumber.h"
 
 #include <QRegularExpression>
+#include <cmath>
 
 namespace velmora {
 
@@ -76,6 +77,16 @@ std::optional<UnitRect> parseZone(const WindowArea& area) {
     if (!x || !y || !w || !h)
         return std::nullopt;
     return UnitRect{*x, *y, *w, *h};
+}
+
+std::optional<double> parseZoneSizeOrPoints(const QString& text) {
+    if (auto unit = parseZoneSize(text))
+        return unit;
+    bool ok = false;
+    const double points = text.trimmed().toDouble(&ok);
+    if (ok && std::isfinite(points) && points > 1)
+        return points;
+    return std::nullopt;
 }
 
 } // namespace velmora

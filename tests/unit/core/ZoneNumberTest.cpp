@@ -1,4 +1,4 @@
-#include "windowmanager/ZoneNumber.h"
+#include "core/ZoneNumber.h"
 #include "core/DefaultValues.h"
 
 #include <cmath>

@@ -17,6 +17,8 @@ std::optional<double> parseZoneNumber(const QString& text, bool allowZero, bool 
 // would be empty), a size may be 1 but not 0. Empty text means the top-left edge, or the full extent.
 std::optional<double> parseZonePosition(const QString& text);
 std::optional<double> parseZoneSize(const QString& text);
+// A zone's width or height: a unit size as above, or a plain number above 1, a size in points.
+std::optional<double> parseZoneSizeOrPoints(const QString& text);
 
 // The zone's four numbers, or absent when any of them does not read; such a zone is skipped until the
 // user fixes it.
