@@ -48,6 +48,28 @@ std::vector<ShortcutUse> shortcutUses(const KeyboardBindings& bindings, const st
     return uses;
 }
 
+std::vector<ShortcutUse> otherShortcutUses(const KeyboardBindings& bindings,
+                                           const std::vector<WindowArea>& zones,
+                                           const KeyboardShortcut& chord,
+                                           std::optional<KeyboardAppAction> self, bool shareWithZones) {
+    auto uses = shortcutUses(bindings, zones, chord);
+    std::erase_if(uses, [&](const ShortcutUse& use) {
+        return (self && use.action == self) || (shareWithZones && use.zone);
+    });
+    return uses;
+}
+
+void removeShortcutUses(KeyboardBindings& bindings, std::vector<WindowArea>& zones,
+                        const std::vector<ShortcutUse>& uses) {
+    for (const ShortcutUse& use : uses) {
+        if (use.action)
+            bindings.shortcut(*use.action).reset();
+        for (WindowArea& zone : zones)
+            if (use.zone && zone.id == *use.zone)
+                zone.keyboardShortcut.reset();
+    }
+}
+
 std::optional<QString> globalChordProblem(const KeyboardShortcut& chord) {
     if (chord.canBeGlobal())
         return std::nullopt;

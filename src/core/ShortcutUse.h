@@ -28,6 +28,17 @@ struct ShortcutUse {
 std::vector<ShortcutUse> shortcutUses(const KeyboardBindings& bindings, const std::vector<WindowArea>& zones,
                                       const KeyboardShortcut& chord);
 
+// The uses of the chord other than the binding of `self` (a binding's own row); zones sharing a chord
+// cycle, so a zone's row passes shareWithZones and sees only the global bindings.
+std::vector<ShortcutUse> otherShortcutUses(const KeyboardBindings& bindings,
+                                           const std::vector<WindowArea>& zones,
+                                           const KeyboardShortcut& chord,
+                                           std::optional<KeyboardAppAction> self, bool shareWithZones);
+
+// Unbinds each use (its action or zone loses the chord), so the chord can be given to another.
+void removeShortcutUses(KeyboardBindings& bindings, std::vector<WindowArea>& zones,
+                        const std::vector<ShortcutUse>& uses);
+
 // Why a chord cannot be a global shortcut, in plain words; absent when it can.
 std::optional<QString> globalChordProblem(const KeyboardShortcut& chord);
 

@@ -1,5 +1,7 @@
 #include "core/WindowManagerPreferences.h"
 
+#include <QDateTime>
+
 namespace velmora {
 
 void to_json(Json& j, const WindowManagerPreferences& p) {
@@ -19,6 +21,11 @@ void from_json(const Json& j, WindowManagerPreferences& p) {
     p.areas = requiredField<std::vector<WindowArea>>(j, "areas");
     p.enableAutoLayout = requiredField<bool>(j, "enableAutoLayout");
     p.enableWindowSwitcher = requiredField<bool>(j, "enableWindowSwitcher");
+}
+
+double nextUpdatedStamp(double previous) {
+    const double now = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
+    return now == previous ? previous + 1 : now;
 }
 
 } // namespace velmora

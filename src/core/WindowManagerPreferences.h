@@ -24,6 +24,10 @@ struct WindowManagerPreferences {
     bool operator==(const WindowManagerPreferences&) const = default;
 };
 
+// The `updated` stamp of a zone edit made now. Only a change of value counts, so a clock that has not
+// moved since the last edit must not repeat the old stamp.
+double nextUpdatedStamp(double previous);
+
 void to_json(Json& j, const WindowManagerPreferences& p);
 void from_json(const Json& j, WindowManagerPreferences& p);
 

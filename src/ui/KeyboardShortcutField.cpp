@@ -13,6 +13,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 namespace velmora {
 
@@ -118,6 +119,11 @@ void KeyboardShortcutField::setRequireModifier(bool require) {
         m_held->setRequireModifier(require);
 }
 
+void KeyboardShortcutField::setGlobal(bool global) {
+    m_global = global;
+    setRequireModifier(global || m_requireModifier);
+}
+
 void KeyboardShortcutField::setCanDisable(bool canDisable) {
     m_canDisable = canDisable;
     refresh();
@@ -141,12 +147,33 @@ void KeyboardShortcutField::openPopover() {
         m_held->setShowsHeldKeys(true);
         m_held->setShouldHighlight(true);
         m_held->setRequireModifier(m_requireModifier);
+        m_message = new QLabel;
+        m_message->setObjectName(QStringLiteral("message"));
+        m_message->setWordWrap(true);
+        m_message->setAlignment(Qt::AlignCenter);
+        m_message->setFixedWidth(240);
+        m_answers = new QWidget;
+        auto* answers = new QHBoxLayout(m_answers);
+        answers->setContentsMargins(0, 0, 0, 0);
+        auto* cancel = new QPushButton(QStringLiteral("Cancel"));
+        cancel->setObjectName(QStringLiteral("cancel"));
+        auto* replace = new QPushButton(QStringLiteral("Replace"));
+        replace->setObjectName(QStringLiteral("replace"));
+        replace->setDefault(true);
+        answers->addWidget(cancel);
+        answers->addWidget(replace);
+        connect(cancel, &QPushButton::clicked, this, &KeyboardShortcutField::closePopover);
+        connect(replace, &QPushButton::clicked, this, &KeyboardShortcutField::replaceOtherUses);
         column->addWidget(m_prompt, 0, Qt::AlignCenter);
         column->addWidget(m_held, 0, Qt::AlignCenter);
+        column->addWidget(m_message, 0, Qt::AlignCenter);
+        column->addWidget(m_answers, 0, Qt::AlignCenter);
         popover->setMinimumSize(160, 64);
         m_popover = popover;
     }
     m_newShortcut.reset();
+    m_pendingShortcut.reset();
+    showMessage({}, false);
     m_lastKeyCode = m_model.keyCode();
     m_isPopoverShown = true;
     m_model.setRecording(true);
@@ -181,6 +208,7 @@ void KeyboardShortcutField::popoverClosed() {
     if (!m_isPopoverShown)
         return;
     m_isPopoverShown = false;
+    m_pendingShortcut.reset();
     m_model.setRecording(false);
 }
 
@@ -202,12 +230,60 @@ void KeyboardShortcutField::modelChanged() {
         closePopover();
         return;
     }
-    if (m_requireModifier && !chord.hasModifier())
+    if (!m_pendingShortcut.has_value() || chord != bareKey(KeyCode::Return))
+        take(chord);
+    else
+        replaceOtherUses(); // Return answers the question, as the default button
+}
+
+void KeyboardShortcutField::take(const KeyboardShortcut& chord) {
+    m_pendingShortcut.reset();
+    if (m_global && !chord.canBeGlobal()) {
+        showMessage(shortcutText(chord, m_layout) +
+                        QStringLiteral(" alone would take ordinary typing. Hold Ctrl, Alt or Super with "
+                                       "it, or use a function key."),
+                    false);
+        return; // keep listening
+    }
+    if (!m_global && m_requireModifier && !chord.hasModifier())
         return; // keep listening; the popover shows the key greyed
+    if (chord != m_existingShortcut.value_or(KeyboardShortcut{}) && usesOf) {
+        const auto uses = usesOf(chord);
+        if (!uses.empty()) {
+            QStringList names;
+            for (const ShortcutUse& use : uses)
+                names << use.title;
+            m_pendingShortcut = chord;
+            showMessage(QStringLiteral("%1 is already used by %2.")
+                            .arg(shortcutText(chord, m_layout), names.join(QStringLiteral(", "))),
+                        true);
+            return;
+        }
+    }
     m_newShortcut = chord;
     closePopover();
     if (onChange)
         onChange(chord);
+}
+
+void KeyboardShortcutField::replaceOtherUses() {
+    if (!m_pendingShortcut)
+        return;
+    const KeyboardShortcut chord = *std::exchange(m_pendingShortcut, std::nullopt);
+    m_newShortcut = chord;
+    closePopover();
+    if (onChange)
+        onChange(chord);
+}
+
+void KeyboardShortcutField::showMessage(const QString& text, bool asking) {
+    if (!m_message)
+        return;
+    m_message->setText(text);
+    m_message->setVisible(!text.isEmpty());
+    m_answers->setVisible(asking);
+    if (m_popover->isVisible())
+        m_popover->adjustSize();
 }
 
 void KeyboardShortcutField::refreshPopover() {

@@ -2,10 +2,14 @@
 
 #include "app/EventTap.h"
 #include "app/UserPreferences.h"
+#include "core/ShortcutUse.h"
 #include "ui/KeyboardShortcutField.h"
+#include "ui/UndoBar.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -70,12 +74,14 @@ KeyboardShortcutsPreferencesPage::KeyboardShortcutsPreferencesPage(UserPreferenc
             auto* field = new KeyboardShortcutField(model, layout);
             field->setObjectName(rawName(action));
             field->setRequireModifier(shortcutRequiresModifier(action));
+            field->setGlobal(isGlobalAction(action));
             field->setCanDisable(true);
-            field->onChange = [&preferences, action](const KeyboardShortcut& shortcut) {
-                auto bindings = preferences.keyboardBindings.value();
-                bindings.shortcut(action) = shortcut;
-                preferences.keyboardBindings.setValue(bindings);
-            };
+            if (isGlobalAction(action))
+                field->usesOf = [&preferences, action](const KeyboardShortcut& chord) {
+                    return otherShortcutUses(preferences.keyboardBindings.value(),
+                                             preferences.windowManager.value().areas, chord, action, false);
+                };
+            field->onChange = [this, action](const KeyboardShortcut& shortcut) { assign(action, shortcut); };
             auto* label = new QLabel(title(action));
             label->setBuddy(field);
             grid->addWidget(label, row, 0, Qt::AlignVCenter);
@@ -87,10 +93,68 @@ KeyboardShortcutsPreferencesPage::KeyboardShortcutsPreferencesPage(UserPreferenc
     scroll->setWidget(content);
     layoutBox->addWidget(scroll, 1);
 
+    m_undo = new UndoBar;
+    layoutBox->addWidget(m_undo);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    m_restore = new QPushButton(QStringLiteral("Restore Defaults"));
+    m_restore->setObjectName(QStringLiteral("restoreShortcuts"));
+    m_restore->setToolTip(QStringLiteral("Give every action the shortcut Velmora comes with"));
+    buttons->addWidget(m_restore);
+    layoutBox->addLayout(buttons);
+    connect(m_restore, &QPushButton::clicked, this, &KeyboardShortcutsPreferencesPage::restoreDefaults);
+
     refresh();
     connect(&preferences.keyboardBindings, &CKValueObservableBase::valueChanged, this,
             &KeyboardShortcutsPreferencesPage::refresh);
     connect(&tap, &EventTap::refusedChordsChanged, this, &KeyboardShortcutsPreferencesPage::refresh);
+}
+
+// The chord is taken from whatever else had it first (the user agreed in the field), zones before
+// bindings, so that no record is ever stored with one chord doing two things.
+void KeyboardShortcutsPreferencesPage::assign(KeyboardAppAction action, const KeyboardShortcut& shortcut) {
+    m_undo->dismiss();
+    auto bindings = m_preferences.keyboardBindings.value();
+    auto zones = m_preferences.windowManager.value().areas;
+    if (isGlobalAction(action) && !shortcut.disabled)
+        removeShortcutUses(bindings, zones, otherShortcutUses(bindings, zones, shortcut, action, false));
+    bindings.shortcut(action) = shortcut;
+    write(bindings, zones);
+}
+
+// Zones that took a factory chord meanwhile give it back, as when the user replaces a zone's chord.
+void KeyboardShortcutsPreferencesPage::restoreDefaults() {
+    const KeyboardBindings previousBindings = m_preferences.keyboardBindings.value();
+    const std::vector<WindowArea> previousZones = m_preferences.windowManager.value().areas;
+    const KeyboardBindings factory;
+    std::vector<WindowArea> zones = previousZones;
+    for (const KeyboardAppAction action : allKeyboardAppActions()) {
+        const auto& chord = factory.shortcut(action);
+        if (!isGlobalAction(action) || !chord || chord->disabled)
+            continue;
+        auto uses = shortcutUses(factory, zones, *chord);
+        std::erase_if(uses, [](const ShortcutUse& use) { return !use.zone; });
+        KeyboardBindings unused = factory;
+        removeShortcutUses(unused, zones, uses);
+    }
+    if (!write(factory, zones))
+        return;
+    m_undo->offer(QStringLiteral("Restored the default shortcuts."),
+                  [this, previousBindings, previousZones] { write(previousBindings, previousZones); });
+}
+
+// Both records, zones first; false (and the rest left alone) when one cannot be stored.
+bool KeyboardShortcutsPreferencesPage::write(const KeyboardBindings& bindings,
+                                             const std::vector<WindowArea>& zones) {
+    if (zones != m_preferences.windowManager.value().areas) {
+        auto windowManager = m_preferences.windowManager.value();
+        windowManager.areas = zones;
+        windowManager.updated = nextUpdatedStamp(windowManager.updated);
+        if (!m_preferences.windowManager.setValue(std::move(windowManager)))
+            return false;
+    }
+    return bindings == m_preferences.keyboardBindings.value() ||
+           m_preferences.keyboardBindings.setValue(bindings);
 }
 
 void KeyboardShortcutsPreferencesPage::refresh() {

@@ -1,13 +1,20 @@
 #pragma once
 
 #include "core/KeyboardAppAction.h"
+#include "core/KeyboardBindings.h"
+#include "core/KeyboardShortcut.h"
+#include "core/WindowArea.h"
 
 #include <QWidget>
 #include <array>
+#include <vector>
+
+class QPushButton;
 
 namespace velmora {
 
 class EventTap;
+class UndoBar;
 class KeyboardLayout;
 class KeyboardShortcutField;
 class KeyboardShortcutModel;
@@ -29,12 +36,19 @@ public:
                                      const KeyboardLayout& layout, EventTap& tap, QWidget* parent = nullptr);
 
     KeyboardShortcutField* field(KeyboardAppAction action) const { return m_fields[std::size_t(action)]; }
+    QPushButton* restoreButton() const { return m_restore; }
+    UndoBar* undoBar() const { return m_undo; }
 
 private:
     void refresh();
+    void assign(KeyboardAppAction action, const KeyboardShortcut& shortcut);
+    void restoreDefaults();
+    bool write(const KeyboardBindings& bindings, const std::vector<WindowArea>& zones);
 
     UserPreferences& m_preferences;
     EventTap& m_tap;
+    QPushButton* m_restore = nullptr;
+    UndoBar* m_undo = nullptr;
     std::array<KeyboardShortcutField*, keyboardAppActionCount> m_fields{};
 };
 

@@ -1,8 +1,11 @@
 #include "ui/windowmanager/WindowManagerPreferencesPage.h"
 
 #include "app/UserPreferences.h"
+#include "core/DefaultValues.h"
+#include "core/ShortcutUse.h"
 #include "core/ZoneNumber.h"
 #include "ui/KeyboardShortcutField.h"
+#include "ui/UndoBar.h"
 #include "ui/windowmanager/WindowAreaView.h"
 
 #include <QButtonGroup>
@@ -48,13 +51,6 @@ bool isPosition(std::size_t coordinate) {
 
 bool reads(std::size_t coordinate, const QString& text) {
     return (isPosition(coordinate) ? parseZonePosition(text) : parseZoneSize(text)).has_value();
-}
-
-// Only a change of value counts, so a clock that has not moved since the last edit must not repeat
-// the old stamp.
-double nextUpdatedStamp(double previous) {
-    const double now = double(QDateTime::currentMSecsSinceEpoch()) / 1000;
-    return now == previous ? previous + 1 : now;
 }
 
 WindowArea newZone() {
@@ -142,7 +138,7 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     m_list->setObjectName(QStringLiteral("zones"));
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->setMinimumWidth(150);
-    m_list->setMaximumWidth(220);
+    m_list->setMaximumWidth(260);
     m_list->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     listColumn->addWidget(m_list, 1);
     auto* buttons = new QHBoxLayout;
@@ -155,7 +151,13 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
         buttons->addWidget(button);
     }
     buttons->addStretch(1);
+    m_restore = new QPushButton(QStringLiteral("Restore Defaults"));
+    m_restore->setObjectName(QStringLiteral("restoreZones"));
+    m_restore->setToolTip(QStringLiteral("Replace the zones with the ones Velmora comes with"));
+    buttons->addWidget(m_restore);
     listColumn->addLayout(buttons);
+    m_undo = new UndoBar;
+    listColumn->addWidget(m_undo);
     zones->addLayout(listColumn);
     zones->addWidget(makeEditor(model, layout), 1);
     column->addLayout(zones, 1);
@@ -180,6 +182,7 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     });
     connect(m_add, &QPushButton::clicked, this, &WindowManagerPreferencesPage::addZone);
     connect(m_remove, &QPushButton::clicked, this, &WindowManagerPreferencesPage::removeSelectedZone);
+    connect(m_restore, &QPushButton::clicked, this, &WindowManagerPreferencesPage::restoreDefaultZones);
 
     refresh();
     connect(&preferences.windowManager, &CKValueObservableBase::valueChanged, this,
@@ -292,11 +295,13 @@ QWidget* WindowManagerPreferencesPage::makeEditor(KeyboardShortcutModel& model,
     auto* shortcutRow = new QHBoxLayout;
     m_shortcut = new KeyboardShortcutField(model, layout);
     m_shortcut->setObjectName(QStringLiteral("keyboardShortcut"));
-    m_shortcut->setRequireModifier(true);
+    m_shortcut->setGlobal(true);
     m_shortcut->setCanDisable(true);
-    m_shortcut->onChange = [this](const KeyboardShortcut& shortcut) {
-        editSelectedZone([&shortcut](WindowArea& a) { a.keyboardShortcut = shortcut; });
+    m_shortcut->usesOf = [this](const KeyboardShortcut& chord) {
+        return otherShortcutUses(m_preferences.keyboardBindings.value(),
+                                 m_preferences.windowManager.value().areas, chord, std::nullopt, true);
     };
+    m_shortcut->onChange = [this](const KeyboardShortcut& shortcut) { assignZoneShortcut(shortcut); };
     auto* shortcutLabel = new QLabel(QStringLiteral("Keyboard shortcut"));
     shortcutLabel->setBuddy(m_shortcut);
     shortcutRow->addWidget(shortcutLabel);
@@ -405,6 +410,7 @@ void WindowManagerPreferencesPage::selectZone(const QUuid& id) {
 }
 
 void WindowManagerPreferencesPage::addZone() {
+    m_undo->dismiss();
     WindowManagerPreferences record = m_preferences.windowManager.value();
     const WindowArea zone = newZone();
     record.areas.push_back(zone);
@@ -419,11 +425,47 @@ void WindowManagerPreferencesPage::removeSelectedZone() {
     const int row = rowOf(record.areas, m_selected);
     if (row < 0)
         return;
+    const WindowArea removed = record.areas[std::size_t(row)];
     record.areas.erase(record.areas.begin() + row);
     // The zone below takes the selection, or the one above when the last was removed.
     m_selected.reset();
     m_selectedRow = row;
-    writeZones(std::move(record));
+    if (!writeZones(std::move(record)))
+        return;
+    m_undo->offer(QStringLiteral("Deleted zone “%1”.").arg(removed.name), [this, removed, row] {
+        WindowManagerPreferences again = m_preferences.windowManager.value();
+        // Back in its place, unless it came back some other way in the meantime.
+        if (rowOf(again.areas, removed.id) >= 0)
+            return;
+        again.areas.insert(again.areas.begin() + std::min<std::size_t>(std::size_t(row), again.areas.size()),
+                           removed);
+        m_selected = removed.id;
+        writeZones(std::move(again));
+    });
+}
+
+// The factory zones, except for a chord the user has since given to a global action: that binding
+// was chosen on purpose, so the restored zone comes without it rather than taking it away.
+void WindowManagerPreferencesPage::restoreDefaultZones() {
+    WindowManagerPreferences record = m_preferences.windowManager.value();
+    const std::vector<WindowArea> previous = record.areas;
+    record.areas = factoryZones();
+    const KeyboardBindings& bindings = m_preferences.keyboardBindings.value();
+    for (WindowArea& zone : record.areas)
+        if (zone.keyboardShortcut &&
+            !otherShortcutUses(bindings, {}, *zone.keyboardShortcut, std::nullopt, true).empty())
+            zone.keyboardShortcut.reset();
+    m_selected.reset();
+    m_selectedRow = 0;
+    if (!writeZones(std::move(record)))
+        return;
+    m_undo->offer(QStringLiteral("Restored the default zones."), [this, previous] {
+        WindowManagerPreferences again = m_preferences.windowManager.value();
+        again.areas = previous;
+        m_selected.reset();
+        m_selectedRow = 0;
+        writeZones(std::move(again));
+    });
 }
 
 void WindowManagerPreferencesPage::applyTemplate(int index) {
@@ -459,12 +501,26 @@ void WindowManagerPreferencesPage::editSelectedZone(const std::function<void(Win
     // Leaving a field untouched still ends its editing; that is no change to the zones.
     if (zone == before)
         return;
+    m_undo->dismiss();
     writeZones(std::move(record));
 }
 
-void WindowManagerPreferencesPage::writeZones(WindowManagerPreferences record) {
+// The chord is taken from the global bindings that had it first (the user agreed in the field), so
+// that no record is ever stored with one chord doing two things.
+void WindowManagerPreferencesPage::assignZoneShortcut(const KeyboardShortcut& shortcut) {
+    auto bindings = m_preferences.keyboardBindings.value();
+    auto zones = m_preferences.windowManager.value().areas;
+    if (!shortcut.disabled)
+        removeShortcutUses(bindings, zones, otherShortcutUses(bindings, zones, shortcut, std::nullopt, true));
+    if (bindings != m_preferences.keyboardBindings.value() &&
+        !m_preferences.keyboardBindings.setValue(std::move(bindings)))
+        return;
+    editSelectedZone([&shortcut](WindowArea& a) { a.keyboardShortcut = shortcut; });
+}
+
+bool WindowManagerPreferencesPage::writeZones(WindowManagerPreferences record) {
     record.updated = nextUpdatedStamp(m_preferences.windowManager.value().updated);
-    m_preferences.windowManager.setValue(std::move(record));
+    return m_preferences.windowManager.setValue(std::move(record));
 }
 
 } // namespace velmora

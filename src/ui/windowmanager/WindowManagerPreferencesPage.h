@@ -23,6 +23,7 @@ namespace velmora {
 
 class KeyboardLayout;
 class KeyboardShortcutField;
+class UndoBar;
 class KeyboardShortcutModel;
 class UserPreferences;
 class WindowAreaView;
@@ -53,6 +54,7 @@ public:
     void selectZone(const QUuid& id);
     void addZone();
     void removeSelectedZone();
+    void restoreDefaultZones();
     // Gives the selected zone the shape, name and screen kinds of template `index` of the template
     // list; it keeps its id and shortcut.
     void applyTemplate(int index);
@@ -65,6 +67,8 @@ public:
     QListWidget* zoneList() const { return m_list; }
     QPushButton* addButton() const { return m_add; }
     QPushButton* removeButton() const { return m_remove; }
+    QPushButton* restoreButton() const { return m_restore; }
+    UndoBar* undoBar() const { return m_undo; }
     QWidget* editor() const { return m_editor; }
     QLineEdit* nameField() const { return m_name; }
     QLineEdit* coordinateField(Coordinate c) const { return m_coordinates[std::size_t(c)]; }
@@ -84,8 +88,9 @@ private:
     WindowArea editedArea() const;
 
     void writeSettings(const std::function<void(WindowManagerPreferences&)>& change);
+    void assignZoneShortcut(const KeyboardShortcut& shortcut);
     void editSelectedZone(const std::function<void(WindowArea&)>& change);
-    void writeZones(WindowManagerPreferences record);
+    bool writeZones(WindowManagerPreferences record);
 
     UserPreferences& m_preferences;
     const std::vector<WindowArea> m_templates;
@@ -101,6 +106,8 @@ private:
     QListWidget* m_list;
     QPushButton* m_add;
     QPushButton* m_remove;
+    QPushButton* m_restore = nullptr;
+    UndoBar* m_undo = nullptr;
     QWidget* m_editor = nullptr;
     QLineEdit* m_name = nullptr;
     std::array<QLineEdit*, 4> m_coordinates{};

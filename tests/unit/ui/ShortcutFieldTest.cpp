@@ -1,5 +1,6 @@
 #include "app/EventTap.h"
 #include "app/UserPreferences.h"
+#include "core/ShortcutUse.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
@@ -7,12 +8,14 @@
 #include "ui/KeyboardShortcutField.h"
 #include "ui/KeyboardShortcutsPreferencesPage.h"
 #include "ui/ShortcutRenderer.h"
+#include "ui/UndoBar.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QTextDocumentFragment>
 #include <gtest/gtest.h>
@@ -340,4 +343,120 @@ TEST(KeyboardShortcutsPreferencesPage, MarksTheRowsWhoseChordWasRefused) {
     EXPECT_FALSE(center->warning()->isHidden());
     s.input.refuse({});
     EXPECT_TRUE(center->warning()->isHidden());
+}
+
+TEST(KeyboardShortcutField, GlobalFieldTakesOnlyChordsThatAreNotTyping) {
+    Recorder r;
+    r.field.setGlobal(true);
+    r.field.openPopover();
+    // Shift+A is how people type "A": refused with the reason, and recording goes on.
+    r.model.keyboardStep(flags(ModifierMask::Shift));
+    r.model.keyboardStep(keyDown(0, ModifierMask::Shift));
+    EXPECT_TRUE(r.changes.empty());
+    EXPECT_TRUE(r.model.isRecording());
+    EXPECT_FALSE(r.field.popoverMessage()->isHidden());
+    EXPECT_TRUE(r.field.popoverMessage()->text().startsWith("Shift+A alone would take ordinary typing"))
+        << r.field.popoverMessage()->text().toStdString();
+    r.model.keyboardStep(keyUp(0, ModifierMask::Shift));
+    r.model.keyboardStep(flags(0));
+
+    // A function key alone, or anything held with Ctrl, Alt or Super, is taken.
+    r.model.keyboardStep(keyDown(96));
+    ASSERT_EQ(r.changes.size(), 1u);
+    EXPECT_EQ(r.changes[0], bareKey(96));
+    r.model.keyboardStep(keyUp(96));
+    for (const auto& [mask, modifiers] :
+         {std::pair{ModifierMask::Command | ModifierMask::Shift, M::Command | M::Shift},
+          std::pair{ModifierMask::Option, M::Alt}, std::pair{ModifierMask::Control, M::Control}}) {
+        r.field.openPopover();
+        EXPECT_TRUE(r.field.popoverMessage()->isHidden()); // the old refusal is gone
+        r.model.keyboardStep(flags(mask));
+        r.model.keyboardStep(keyDown(0, mask));
+        EXPECT_EQ(r.changes.back(), chord(modifiers, 0));
+        r.model.keyboardStep(keyUp(0, mask));
+        r.model.keyboardStep(flags(0));
+    }
+    EXPECT_EQ(r.changes.size(), 4u);
+}
+
+TEST(KeyboardShortcutsPreferencesPage, AChordInUseIsTakenOnlyWhenTheUserSaysReplace) {
+    PageSetup s;
+    using A = KeyboardAppAction;
+    const KeyboardBindings before = s.prefs.keyboardBindings.value();
+    const WindowManagerPreferences zonesBefore = s.prefs.windowManager.value();
+    KeyboardShortcutField* dashboard = s.page.field(A::openSystemMonitoringDashboard);
+    const auto press = [&](std::uint64_t mask, std::uint16_t key) {
+        s.model.keyboardStep(flags(mask));
+        s.model.keyboardStep(keyDown(key, mask));
+        s.model.keyboardStep(keyUp(key, mask));
+        s.model.keyboardStep(flags(0));
+    };
+    const auto superAlt = ModifierMask::Control | ModifierMask::Option;
+
+    // Super+Alt+C centres windows: the popover names it and waits; Cancel leaves everything.
+    dashboard->openPopover();
+    press(superAlt, 8);
+    EXPECT_EQ(dashboard->popoverMessage()->text(), "Super+Alt+C is already used by Center Window.");
+    EXPECT_EQ(dashboard->pendingShortcut(), chord(M::Control | M::Alt, 8));
+    EXPECT_TRUE(s.model.isRecording());
+    dashboard->popover()->findChild<QPushButton*>("cancel")->click();
+    EXPECT_FALSE(s.model.isRecording());
+    EXPECT_EQ(s.prefs.keyboardBindings.value(), before);
+
+    // Replace moves the chord: the dashboard has it, Center Window has none.
+    dashboard->openPopover();
+    press(superAlt, 8);
+    dashboard->popover()->findChild<QPushButton*>("replace")->click();
+    EXPECT_EQ(s.prefs.keyboardBindings.value().openSystemMonitoringDashboard, chord(M::Control | M::Alt, 8));
+    EXPECT_FALSE(s.prefs.keyboardBindings.value().windowManagerCenterWindow);
+    EXPECT_FALSE(s.page.field(A::windowManagerCenterWindow)->existingShortcut());
+
+    // A zone's chord (Super+Alt+Left is "Left Half"), answered with Return: the zone gives it up.
+    dashboard->openPopover();
+    press(superAlt, 123);
+    EXPECT_EQ(dashboard->popoverMessage()->text(), "Super+Alt+← is already used by zone “Left Half”.");
+    press(0, KeyCode::Return);
+    EXPECT_EQ(s.prefs.keyboardBindings.value().openSystemMonitoringDashboard,
+              chord(M::Control | M::Alt, 123));
+    const auto& zones = s.prefs.windowManager.value().areas;
+    EXPECT_FALSE(zones[1].keyboardShortcut);
+    EXPECT_EQ(zones[2].keyboardShortcut, zonesBefore.areas[2].keyboardShortcut);
+    EXPECT_NE(s.prefs.windowManager.value().updated, zonesBefore.updated);
+    EXPECT_FALSE(shortcutsProblem(s.prefs.keyboardBindings.value(), zones));
+}
+
+TEST(KeyboardShortcutsPreferencesPage, AChangeThatCannotBeStoredSpringsBack) {
+    PageSetup s;
+    QString reported;
+    QObject::connect(&s.prefs, &UserPreferences::writeFailed, [&](const QString& why) { reported = why; });
+    const KeyboardBindings before = s.prefs.keyboardBindings.value();
+    s.defaults.failWrites = true;
+    KeyboardShortcutField* center = s.page.field(KeyboardAppAction::windowManagerCenterWindow);
+    center->enabledBox()->click();
+    EXPECT_EQ(s.prefs.keyboardBindings.value(), before);
+    EXPECT_TRUE(center->enabledBox()->isChecked());
+    EXPECT_TRUE(reported.contains("read-only")) << reported.toStdString();
+}
+
+TEST(KeyboardShortcutsPreferencesPage, RestoreDefaultsTakesFactoryChordsBackFromZonesAndCanBeUndone) {
+    PageSetup s;
+    using A = KeyboardAppAction;
+    auto bindings = s.prefs.keyboardBindings.value();
+    bindings.windowManagerCenterWindow.reset();
+    bindings.switchWindow->disabled = true;
+    s.prefs.keyboardBindings.setValue(bindings);
+    auto windowManager = s.prefs.windowManager.value();
+    windowManager.areas[5].keyboardShortcut = chord(M::Control | M::Alt, 8); // Center Window's factory chord
+    s.prefs.windowManager.setValue(windowManager);
+
+    s.page.restoreButton()->click();
+    EXPECT_EQ(s.prefs.keyboardBindings.value(), KeyboardBindings{});
+    EXPECT_FALSE(s.prefs.windowManager.value().areas[5].keyboardShortcut);
+    EXPECT_FALSE(shortcutsProblem(s.prefs.keyboardBindings.value(), s.prefs.windowManager.value().areas));
+    EXPECT_EQ(s.page.field(A::windowManagerCenterWindow)->existingShortcut(), chord(M::Control | M::Alt, 8));
+
+    ASSERT_FALSE(s.page.undoBar()->isHidden());
+    s.page.undoBar()->undoButton()->click();
+    EXPECT_EQ(s.prefs.keyboardBindings.value(), bindings);
+    EXPECT_EQ(s.prefs.windowManager.value().areas, windowManager.areas);
 }

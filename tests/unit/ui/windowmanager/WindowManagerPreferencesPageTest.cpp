@@ -3,9 +3,11 @@
 #include "app/UserPreferences.h"
 #include "core/DefaultValues.h"
 #include "core/KeyEvent.h"
+#include "core/ShortcutUse.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "ui/KeyboardShortcutField.h"
+#include "ui/UndoBar.h"
 #include "ui/windowmanager/WindowAreaView.h"
 
 #include <QCheckBox>
@@ -320,4 +322,72 @@ TEST(WindowManagerPreferencesPage, FollowsRecordsFromElsewhereKeepingTheSelected
     s.prefs.windowManager.setValue(synced);
     EXPECT_EQ(s.page.selectedZoneId(), synced.areas[8].id);
     EXPECT_EQ(s.page.nameField()->text(), "Bottom Right");
+}
+
+TEST(WindowManagerPreferencesPage, ADeletedZoneOrTheRestoredDefaultsCanBeUndone) {
+    PageSetup s;
+    const WindowManagerPreferences before = s.record();
+    s.page.selectZone(before.areas[2].id);
+    s.page.removeButton()->click();
+    ASSERT_EQ(s.record().areas.size(), 8u);
+    EXPECT_FALSE(s.page.undoBar()->isHidden());
+    EXPECT_EQ(s.page.undoBar()->text()->text(), "Deleted zone “Right Half”.");
+    s.page.undoBar()->undoButton()->click();
+    EXPECT_EQ(s.record().areas, before.areas); // back in its place, with its id and chord
+    EXPECT_EQ(s.page.selectedZoneId(), before.areas[2].id);
+    EXPECT_TRUE(s.page.undoBar()->isHidden());
+
+    // Another edit after a delete ends the offer.
+    s.page.removeButton()->click();
+    s.page.addButton()->click();
+    EXPECT_TRUE(s.page.undoBar()->isHidden());
+
+    // The factory zones come back, except a chord a global action has taken meanwhile; undo restores
+    // the user's own list.
+    auto bindings = s.prefs.keyboardBindings.value();
+    bindings.windowManagerCenterWindow = before.areas[1].keyboardShortcut; // Super+Alt+Left
+    s.prefs.keyboardBindings.setValue(bindings);
+    const auto edited = s.record().areas;
+    s.page.restoreButton()->click();
+    ASSERT_EQ(s.record().areas.size(), before.areas.size());
+    for (std::size_t i = 0; i < before.areas.size(); ++i) {
+        EXPECT_EQ(s.record().areas[i].name, before.areas[i].name);
+        EXPECT_EQ(s.record().areas[i].keyboardShortcut,
+                  i == 1 ? std::nullopt : before.areas[i].keyboardShortcut);
+    }
+    EXPECT_FALSE(shortcutsProblem(s.prefs.keyboardBindings.value(), s.record().areas));
+    s.page.undoBar()->undoButton()->click();
+    EXPECT_EQ(s.record().areas, edited);
+}
+
+TEST(WindowManagerPreferencesPage, AZoneShortcutTakesAGlobalChordOnlyWhenTheUserSaysReplace) {
+    PageSetup s;
+    const WindowManagerPreferences before = s.record();
+    s.page.selectZone(before.areas[5].id); // Top Left, Super+Alt+U
+    KeyboardShortcutField* field = s.page.shortcutField();
+    const auto press = [&](std::uint64_t mask, std::uint16_t key) {
+        s.model.keyboardStep({TapEventType::FlagsChanged, mask, 0, false});
+        s.model.keyboardStep({TapEventType::KeyDown, mask, key, false});
+        s.model.keyboardStep({TapEventType::KeyUp, mask, key, false});
+        s.model.keyboardStep({TapEventType::FlagsChanged, 0, 0, false});
+    };
+    const auto superAlt = ModifierMask::Control | ModifierMask::Option;
+
+    // Another zone's chord is shared without a question: pressing it cycles between the two.
+    field->openPopover();
+    press(superAlt, 124);
+    EXPECT_FALSE(field->isPopoverShown());
+    EXPECT_EQ(s.record().areas[5].keyboardShortcut, before.areas[2].keyboardShortcut);
+    EXPECT_EQ(s.record().areas[2].keyboardShortcut, before.areas[2].keyboardShortcut);
+
+    // Shift+U would eat typing; Super+Alt+C belongs to Center Window and is only taken on Replace.
+    field->openPopover();
+    press(ModifierMask::Shift, 32);
+    EXPECT_TRUE(field->popoverMessage()->text().contains("ordinary typing"));
+    press(superAlt, 8);
+    EXPECT_EQ(field->popoverMessage()->text(), "Super+Alt+C is already used by Center Window.");
+    field->popover()->findChild<QPushButton*>("replace")->click();
+    EXPECT_EQ(s.record().areas[5].keyboardShortcut, chord(Modifier::Control | Modifier::Alt, 8));
+    EXPECT_FALSE(s.prefs.keyboardBindings.value().windowManagerCenterWindow);
+    EXPECT_FALSE(shortcutsProblem(s.prefs.keyboardBindings.value(), s.record().areas));
 }
