@@ -5,6 +5,7 @@
 #include "agent/ControlClient.h"
 #include "agent/ControlCommands.h"
 #include "agent/ControlServer.h"
+#include "app/LogRouter.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
@@ -78,6 +79,20 @@ bool hasX11Display() {
 
 // The X11 backend: the event hub on the toolkit's connection keeps the window and screen models; the
 // accessibility service has a connection of its own, so that it can wait for the window manager.
+QtMessageHandler g_defaultHandler = nullptr;
+
+// Until the agent's log exists, messages are printed as usual and ours are also kept for it.
+void keepEarlyMessages() {
+    g_defaultHandler =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+            LogRouter::keepEarly(type, context, message);
+            if (g_defaultHandler)
+                g_defaultHandler(type, context, message);
+            else
+                std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+        });
+}
+
 std::optional<Platform> makeX11Platform() {
     auto qtConnection = X11Connection::borrowApplication();
     auto own = X11Connection::open();
@@ -118,6 +133,7 @@ int runAgent(int argc, char** argv) {
         return 0;
     }
 
+    keepEarlyMessages();
     auto platform = makeX11Platform();
     if (!platform) {
         std::fputs("velmora: cannot reach the X server.\n", stderr);

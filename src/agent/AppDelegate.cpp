@@ -195,7 +195,7 @@ void AppDelegate::showWelcomeWindowIfNeeded() {
     m_welcomeController->show(Rect::fromQRect(frame));
 }
 
-void AppDelegate::openPreferences() {
+void AppDelegate::openPreferences(const QString& page) {
     assertMainThread("AppDelegate::openPreferences");
     if (!m_preferences || !m_registry)
         return;
@@ -205,17 +205,22 @@ void AppDelegate::openPreferences() {
                                      new GeneralPreferencesPage(*m_preferences, *m_platform.loginItem));
         for (const auto& [title, page] : m_registry->preferencePages())
             m_preferencesWindow->addPage(title, page());
-        m_preferencesWindow->addPage(KeyboardShortcutsPreferencesPage::kTitle,
-                                     new KeyboardShortcutsPreferencesPage(*m_preferences, *m_shortcuts,
-                                                                          *m_platform.keyboardLayout,
-                                                                          *m_eventTap));
+        m_preferencesWindow->addPage(
+            KeyboardShortcutsPreferencesPage::kTitle,
+            new KeyboardShortcutsPreferencesPage(
+                *m_preferences, *m_shortcuts, *m_platform.keyboardLayout, *m_eventTap,
+                [this](KeyboardAppAction a) { return m_registry->offersShortcut(a); }));
         m_preferencesWindow->addPage("Developer", new DeveloperPreferencesPage(*m_preferences, m_logging));
+        connect(m_preferences.get(), &UserPreferences::writeFailed, m_preferencesWindow.data(),
+                &PreferencesWindow::showProblem);
         if (auto* screen = QGuiApplication::primaryScreen()) {
             QRect frame = m_preferencesWindow->geometry();
             frame.moveCenter(screen->availableGeometry().center());
             m_preferencesWindow->move(frame.topLeft());
         }
     }
+    if (!page.isEmpty())
+        m_preferencesWindow->showPage(page);
     m_preferencesWindow->show();
     m_preferencesWindow->raise();
     m_preferencesWindow->activateWindow();

@@ -61,7 +61,8 @@ public:
         return nullptr;
     }
 
-    void openPreferences();
+    // Opens the window, at the page of that title when one is given.
+    void openPreferences(const QString& page = {});
     void quit();
 
 private:

@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QLabel>
 #include <QThread>
 
 namespace velmora {
@@ -34,6 +35,9 @@ Json windowJson(QWidget* w) {
         buttons.push_back({{"title", b->text()}, {"checked", b->isChecked()}, {"frame", rectJson(global)}});
     }
     j["buttons"] = buttons;
+    // A problem the window shows, such as a change that could not be saved.
+    if (auto* problem = w->findChild<QLabel*>("problem"); problem && problem->isVisible())
+        j["problem"] = problem->text();
     return j;
 }
 
@@ -90,7 +94,7 @@ const std::vector<HelpLine>& agentCommands() {
         {"prefs set KEY JSON", "replace a preference record (checked first)"},
         {"logs export PATH", "write the kept log entries as JSON"},
         {"panel [show|hide|toggle]", "the drop-down panel"},
-        {"preferences", "open the preferences window"},
+        {"preferences [PAGE]", "open the preferences window, e.g. at \"Window Manager\""},
         {"action NAME", "carry out an application action, e.g. centerWindow"},
         {"quit", "stop the agent"},
     };
@@ -133,8 +137,8 @@ ControlReply ControlCommands::handle(const QStringList& args) {
         return logsExport(args[2]);
     if (command == "panel" && n <= 2)
         return panel(args.value(1, "toggle"));
-    if (command == "preferences" && n == 1)
-        return preferences();
+    if (command == "preferences" && n <= 2)
+        return preferences(args.value(1));
     if (command == "quit" && n == 1)
         return quit();
     if (command == "action" && n == 2)
@@ -331,9 +335,16 @@ ControlReply ControlCommands::panel(const QString& how) {
     return ControlReply::success({{"open", popover->windowController().isShown()}});
 }
 
-ControlReply ControlCommands::preferences() {
+ControlReply ControlCommands::preferences(const QString& page) {
     m_app.openPreferences();
-    return ControlReply::success({{"open", m_app.preferencesWindow() != nullptr}});
+    auto* window = m_app.preferencesWindow();
+    if (!page.isEmpty() && window) {
+        if (!window->pageTitles().contains(page))
+            return ControlReply::failure(QString("no page named \"%1\"; the pages are: %2")
+                                             .arg(page, window->pageTitles().join(", ")));
+        window->showPage(page);
+    }
+    return ControlReply::success({{"open", window != nullptr}});
 }
 
 ControlReply ControlCommands::action(const QString& name) {

@@ -28,7 +28,7 @@ private:
     ControlReply prefsList();
     ControlReply logsExport(const QString& path);
     ControlReply panel(const QString& how);
-    ControlReply preferences();
+    ControlReply preferences(const QString& page);
     ControlReply quit();
     ControlReply action(const QString& name);
     ControlReply debug(const QStringList& args);

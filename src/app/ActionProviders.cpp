@@ -11,9 +11,12 @@ void ActionProviders::add(Slot slot, std::unique_ptr<ActionProvider> provider) {
 }
 
 std::optional<KeyboardBinding> ActionProviders::ask(const Entry& entry, const KeyboardShortcut& chord) const {
+    // The same rule as grabbing: a chord that is ordinary typing (a bare key, Shift+key) is never
+    // taken from the focused program, even when a stored record still binds it.
     const auto chords = entry.provider->chords();
-    const bool listed = std::any_of(chords.begin(), chords.end(),
-                                    [&](const KeyboardShortcut& c) { return c.matches(chord); });
+    const bool listed = std::any_of(chords.begin(), chords.end(), [&](const KeyboardShortcut& c) {
+        return c.canBeGlobal() && c.matches(chord);
+    });
     if (!listed)
         return std::nullopt;
     auto binding = entry.provider->resolve(chord);

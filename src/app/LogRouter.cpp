@@ -6,6 +6,8 @@
 #include <QMetaObject>
 #include <QPointer>
 #include <QThread>
+#include <utility>
+#include <vector>
 
 namespace velmora {
 
@@ -13,6 +15,20 @@ namespace {
 
 QPointer<LoggingManager> g_log;
 QtMessageHandler g_previous = nullptr;
+
+// Messages of our categories from before the log existed (the settings file is opened first), kept
+// to be replayed into it, so that an export shows them too.
+struct EarlyMessage {
+    QtMsgType type;
+    QByteArray category;
+    int line;
+    QString message;
+};
+std::vector<EarlyMessage>& earlyMessages() {
+    static std::vector<EarlyMessage> messages;
+    return messages;
+}
+constexpr std::size_t kMaxEarlyMessages = 50;
 
 LogContext contextOf(const char* category) {
     const QByteArray name(category ? category : "");
@@ -30,6 +46,16 @@ LogContext contextOf(const char* category) {
 LogRouter::LogRouter(LoggingManager& log) {
     g_log = &log;
     g_previous = qInstallMessageHandler(&LogRouter::handle);
+    for (const EarlyMessage& early : std::exchange(earlyMessages(), {}))
+        log.append(contextOf(early.category.constData()),
+                   early.type == QtInfoMsg || early.type == QtDebugMsg ? LogLevel::Info : LogLevel::Error,
+                   QString::fromLatin1(early.category), early.line, early.message);
+}
+
+void LogRouter::keepEarly(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (context.category && QByteArray(context.category).startsWith("velmora.") &&
+        earlyMessages().size() < kMaxEarlyMessages)
+        earlyMessages().push_back({type, context.category, context.line, message});
 }
 
 LogRouter::~LogRouter() {
@@ -41,6 +67,8 @@ void LogRouter::handle(QtMsgType type, const QMessageLogContext& context, const 
     const bool ours = context.category && QByteArray(context.category).startsWith("velmora.");
     LoggingManager* log = g_log.data();
     if (!ours || !log) {
+        if (!log)
+            keepEarly(type, context, message);
         if (g_previous)
             g_previous(type, context, message);
         return;

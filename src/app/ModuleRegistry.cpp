@@ -33,4 +33,8 @@ void ModuleRegistry::addPanelRows(PanelRowsFactory factory) {
     m_panelRows.push_back(std::move(factory));
 }
 
+void ModuleRegistry::addShortcutRows(std::initializer_list<KeyboardAppAction> actions) {
+    m_shortcutRows.insert(actions.begin(), actions.end());
+}
+
 } // namespace velmora

@@ -4,9 +4,12 @@
 #include "app/AppActionDispatcher.h"
 #include "app/Module.h"
 #include "app/PanelRows.h"
+#include "core/KeyboardAppAction.h"
 
 #include <QObject>
+#include <initializer_list>
 #include <map>
+#include <set>
 
 namespace velmora {
 
@@ -27,6 +30,9 @@ public:
     void addStatus(const QString& key, StatusSection section);
     void addPreferencePage(const QString& title, PageFactory factory);
     void addPanelRows(PanelRowsFactory factory);
+    // The bindings whose shortcuts this module answers, shown on the shortcuts page; the others
+    // belong to subsystems this build does not have.
+    void addShortcutRows(std::initializer_list<KeyboardAppAction> actions);
     // A module's chords depend on more than the preferences (a window appeared): grab them anew.
     void chordsChanged() { emit chordsMayHaveChanged(); }
 
@@ -35,6 +41,7 @@ public:
     const std::vector<std::pair<QString, StatusSection>>& statusSections() const { return m_status; }
     const std::vector<std::pair<QString, PageFactory>>& preferencePages() const { return m_pages; }
     const std::vector<PanelRowsFactory>& panelRows() const { return m_panelRows; }
+    bool offersShortcut(KeyboardAppAction action) const { return m_shortcutRows.contains(action); }
 
 signals:
     void chordsMayHaveChanged();
@@ -46,6 +53,7 @@ private:
     std::vector<std::pair<QString, StatusSection>> m_status;
     std::vector<std::pair<QString, PageFactory>> m_pages;
     std::vector<PanelRowsFactory> m_panelRows;
+    std::set<KeyboardAppAction> m_shortcutRows;
 };
 
 } // namespace velmora

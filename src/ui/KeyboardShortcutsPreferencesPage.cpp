@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace velmora {
 
@@ -44,10 +45,9 @@ bool shortcutRequiresModifier(KeyboardAppAction action) {
     return factory && factory->hasModifier();
 }
 
-KeyboardShortcutsPreferencesPage::KeyboardShortcutsPreferencesPage(UserPreferences& preferences,
-                                                                   KeyboardShortcutModel& model,
-                                                                   const KeyboardLayout& layout,
-                                                                   EventTap& tap, QWidget* parent)
+KeyboardShortcutsPreferencesPage::KeyboardShortcutsPreferencesPage(
+    UserPreferences& preferences, KeyboardShortcutModel& model, const KeyboardLayout& layout, EventTap& tap,
+    std::function<bool(KeyboardAppAction)> offered, QWidget* parent)
     : QWidget(parent), m_preferences(preferences), m_tap(tap) {
     auto* layoutBox = new QVBoxLayout(this);
     layoutBox->addWidget(new QLabel(QStringLiteral("<h3>%1</h3>").arg(QString::fromUtf8(kTitle))));
@@ -63,13 +63,18 @@ KeyboardShortcutsPreferencesPage::KeyboardShortcutsPreferencesPage(UserPreferenc
     grid->setHorizontalSpacing(12);
     int row = 0;
     for (const ShortcutGroup group : kGroups) {
+        const auto inGroup = [&](KeyboardAppAction action) {
+            return velmora::group(action) == group && (!offered || offered(action));
+        };
+        if (std::none_of(allKeyboardAppActions().begin(), allKeyboardAppActions().end(), inGroup))
+            continue;
         auto* heading = new QLabel(QStringLiteral("<b>%1</b>").arg(groupTitle(group).toHtmlEscaped()));
         heading->setObjectName(QStringLiteral("heading"));
         if (row > 0)
             heading->setContentsMargins(0, 10, 0, 0);
         grid->addWidget(heading, row++, 0, 1, 2);
         for (const KeyboardAppAction action : allKeyboardAppActions()) {
-            if (velmora::group(action) != group)
+            if (!inGroup(action))
                 continue;
             auto* field = new KeyboardShortcutField(model, layout);
             field->setObjectName(rawName(action));
@@ -161,6 +166,8 @@ void KeyboardShortcutsPreferencesPage::refresh() {
     const KeyboardBindings& bindings = m_preferences.keyboardBindings.value();
     for (const KeyboardAppAction action : allKeyboardAppActions()) {
         KeyboardShortcutField* row = field(action);
+        if (!row)
+            continue;
         row->setExistingShortcut(bindings.shortcut(action));
         row->setRefusedReason(refusalOf(bindings.shortcut(action), m_tap.refusedChords()));
     }

@@ -7,6 +7,7 @@
 
 #include <QWidget>
 #include <array>
+#include <functional>
 #include <vector>
 
 class QPushButton;
@@ -33,8 +34,11 @@ public:
     static constexpr const char* kTitle = "Keyboard Shortcuts";
 
     KeyboardShortcutsPreferencesPage(UserPreferences& preferences, KeyboardShortcutModel& model,
-                                     const KeyboardLayout& layout, EventTap& tap, QWidget* parent = nullptr);
+                                     const KeyboardLayout& layout, EventTap& tap,
+                                     std::function<bool(KeyboardAppAction)> offered = {},
+                                     QWidget* parent = nullptr);
 
+    // The row of the action; null when this build has nothing that answers it (offered said no).
     KeyboardShortcutField* field(KeyboardAppAction action) const { return m_fields[std::size_t(action)]; }
     QPushButton* restoreButton() const { return m_restore; }
     UndoBar* undoBar() const { return m_undo; }

@@ -3,8 +3,10 @@
 #include "ui/AppIcon.h"
 
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QListWidget>
 #include <QStackedWidget>
+#include <QVBoxLayout>
 
 namespace velmora {
 
@@ -16,8 +18,20 @@ PreferencesWindow::PreferencesWindow(QWidget* parent) : QWidget(parent, Qt::Wind
     m_list = new QListWidget();
     m_list->setFixedWidth(170);
     m_pages = new QStackedWidget();
+    m_problem = new QLabel();
+    m_problem->setObjectName("problem");
+    m_problem->setWordWrap(true);
+    m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_problem->setStyleSheet("#problem { background: #fbe3e1; color: #7a1b14; border: 1px solid #e6a39c; "
+                             "border-radius: 4px; padding: 6px; }");
+    m_problem->hide();
+    m_problemTimer.setSingleShot(true);
+    connect(&m_problemTimer, &QTimer::timeout, m_problem, &QWidget::hide);
+    auto* right = new QVBoxLayout();
+    right->addWidget(m_pages, 1);
+    right->addWidget(m_problem);
     layout->addWidget(m_list);
-    layout->addWidget(m_pages, 1);
+    layout->addLayout(right, 1);
     connect(m_list, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
 }
 
@@ -32,6 +46,12 @@ void PreferencesWindow::showPage(const QString& title) {
     const auto items = m_list->findItems(title, Qt::MatchExactly);
     if (!items.isEmpty())
         m_list->setCurrentItem(items.front());
+}
+
+void PreferencesWindow::showProblem(const QString& reason) {
+    m_problem->setText(QString("Your change was not saved: %1").arg(reason));
+    m_problem->show();
+    m_problemTimer.start(kProblemShownMs);
 }
 
 QStringList PreferencesWindow::pageTitles() const {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 
+class QLabel;
 class QListWidget;
 class QStackedWidget;
 
@@ -17,10 +19,17 @@ public:
     void addPage(const QString& title, QWidget* page);
     void showPage(const QString& title);
     QStringList pageTitles() const;
+    // A change could not be stored: says why under the page for a while. The page itself already
+    // shows the value still in force.
+    void showProblem(const QString& reason);
+    QLabel* problem() const { return m_problem; }
 
 private:
     QListWidget* m_list;
     QStackedWidget* m_pages;
+    QLabel* m_problem;
+    QTimer m_problemTimer;
+    static constexpr int kProblemShownMs = 12000;
 };
 
 } // namespace velmora

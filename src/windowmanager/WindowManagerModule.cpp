@@ -69,6 +69,8 @@ void WindowManagerModule::registerWith(ModuleRegistry& registry) {
                                  {A::moveWindowToScreen, action::MoveWindowToScreen{}},
                                  {A::matchSnappedWindowFrame, action::MatchSnappedWindowFrame{}}}));
 
+    registry.addShortcutRows({A::windowManagerCenterWindow, A::makeWindow16By9, A::moveWindowToScreen,
+                              A::matchSnappedWindowFrame});
     registry.addCommand({"windows", "", "the windows the window manager acts on, front to back", 0, 0,
                          [this](const QStringList&) { return windowsCommand(); }});
     registry.addStatus("windowManager", [this] { return status(); });

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
 namespace velmora {
 
@@ -48,18 +49,29 @@ std::optional<QVariant> SettingsDefaults::value(const QString& key) const {
     return *it;
 }
 
+// Why the settings file cannot be written, found the way QSettings writes it: a new file in the
+// folder, renamed over the old one. Asking the file system (rather than comparing permission bits)
+// also catches a read-only mount and an immutable file, which permission bits do not show.
+QString SettingsDefaults::writeProblem(const QFileInfo& file) {
+    QTemporaryFile probe(file.absolutePath() + "/.velmora-write-check-XXXXXX");
+    if (!probe.open())
+        return QString("the folder %1 is read-only (%2)").arg(file.absolutePath(), probe.errorString());
+    probe.close();
+    if (file.exists()) {
+        QFile existing(file.filePath());
+        if (!existing.open(QIODevice::Append))
+            return QString("%1 is read-only (%2)").arg(file.filePath(), existing.errorString());
+    }
+    return QString("%1 could not be written (is the disk full?)").arg(file.filePath());
+}
+
 bool SettingsDefaults::commit(const QString& key, const std::optional<QVariant>& previous) {
     m_settings->sync();
     if (m_settings->status() == QSettings::NoError) {
         m_lastWriteError.clear();
         return true;
     }
-    const QFileInfo file(m_settings->fileName());
-    const bool writable =
-        QFileInfo(file.absolutePath()).isWritable() && (!file.exists() || file.isWritable());
-    m_lastWriteError =
-        writable ? QString("%1 could not be written (is the disk full?)").arg(file.filePath())
-                 : QString("%1 is read-only").arg(file.exists() ? file.filePath() : file.absolutePath());
+    m_lastWriteError = writeProblem(QFileInfo(m_settings->fileName()));
     // The pending change must not reach the file later, when it becomes writable again.
     if (previous)
         m_settings->setValue(key, *previous);

@@ -2,6 +2,7 @@
 
 #include "platform/Defaults.h"
 
+#include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QSettings>
@@ -30,6 +31,7 @@ private:
     void setAsideIfCorrupt();
     // Writes what is pending; on failure puts the entry back as it was and says why.
     bool commit(const QString& key, const std::optional<QVariant>& previous);
+    static QString writeProblem(const QFileInfo& file);
     std::optional<QVariant> stored(const QString& key) const;
     void reloadFromDisk();
     void watchFile();

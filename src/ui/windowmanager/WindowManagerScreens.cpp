@@ -40,6 +40,7 @@ void WindowManagerScreens::registerWith(ModuleRegistry& registry) {
                              std::vector<BindingsProvider::Entry>{
                                  {A::switchWindow, action::OpenWindowSwitcher{false}},
                                  {A::switchWindowPrevious, action::OpenWindowSwitcher{true}}}));
+    registry.addShortcutRows({A::switchWindow, A::switchWindowPrevious});
     registry.addStatus("switcher", [this] { return status(); });
     registry.addPreferencePage(WindowManagerPreferencesPage::kTitle, [this] {
         return new WindowManagerPreferencesPage(m_context.preferences, m_context.shortcuts,
