@@ -19,6 +19,7 @@
 #include "platform/x11/X11Permission.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11Workspace.h"
 
 #include <QApplication>
 #include <QFile>
@@ -114,6 +115,8 @@ std::optional<Platform> makeX11Platform() {
     platform.accessibility = std::make_unique<X11Accessibility>(std::move(*own), *windowServer);
     platform.windowServer = std::move(windowServer);
     platform.loginItem = std::make_unique<XdgAutostart>();
+    if (auto forIcons = X11Connection::borrowApplication())
+        platform.workspace = std::make_unique<X11Workspace>(std::move(*forIcons), *hub);
     return platform;
 }
 

@@ -9,6 +9,7 @@
 #include "platform/Permission.h"
 #include "platform/Screens.h"
 #include "platform/WindowServer.h"
+#include "platform/Workspace.h"
 
 #include <memory>
 #include <vector>
@@ -28,6 +29,7 @@ struct Platform {
     std::unique_ptr<WindowServer> windowServer;
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<LoginItem> loginItem;
+    std::unique_ptr<Workspace> workspace;
 };
 
 } // namespace velmora

@@ -187,10 +187,10 @@ TEST(WindowSwitcher, AltTabSwitchesToThePreviousWindowOnRelease) {
     };
     first.activate();
     ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "first"; }));
-    QThread::msleep(700); // the focus history is sampled twice a second
+    QThread::msleep(100); // the focus history follows the active window as it changes
     second.activate();
     ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "second"; }));
-    QThread::msleep(700);
+    QThread::msleep(100);
     ASSERT_TRUE(waitUntil([&] { return agent.status()["tap"].value("state", "") == "active"; }));
 
     // Alt held, Tab pressed: the switcher opens on the window used before; letting go of Alt picks it.
@@ -202,6 +202,23 @@ TEST(WindowSwitcher, AltTabSwitchesToThePreviousWindowOnRelease) {
     desktop.run("xdotool", {"keyup", "alt"});
     EXPECT_TRUE(waitUntil([&] { return focusedTitle() == "first"; })) << focusedTitle();
     EXPECT_FALSE(agent.status()["switcher"].value("open", true));
+
+    // Typing while Alt is held narrows the list; letting go of Alt picks the match.
+    TestWindow third(desktop, "third");
+    ASSERT_TRUE(third.waitUntilMapped());
+    third.activate();
+    ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "third"; }));
+    desktop.run("xdotool", {"keydown", "alt", "key", "Tab"});
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["switcher"].value("open", false); }));
+    desktop.run("xdotool", {"type", "sec"});
+    EXPECT_TRUE(waitUntil([&] {
+        return agent.status()["switcher"]["rows"] == Json::parse(R"(["testwin — second"])");
+    })) << agent.status()["switcher"].dump();
+    desktop.run("xdotool", {"keyup", "alt"});
+    EXPECT_TRUE(waitUntil([&] { return focusedTitle() == "second"; })) << focusedTitle();
+    EXPECT_FALSE(agent.status()["switcher"].value("open", true));
+    first.activate();
+    ASSERT_TRUE(waitUntil([&] { return focusedTitle() == "first"; }));
 
     // Switched off in the preferences, the chord is left to the focused window.
     auto record = agent.json({"prefs", "get", "WindowManagerPreferences"});

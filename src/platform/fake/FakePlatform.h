@@ -9,6 +9,7 @@
 #include "platform/fake/FakeLoginItem.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
+#include "platform/fake/FakeWorkspace.h"
 
 namespace velmora {
 
@@ -22,6 +23,7 @@ struct FakePlatform {
     FakeCommands* commands;
     FakeInputTap* inputTap;
     FakeLoginItem* loginItem;
+    FakeWorkspace* workspace;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -46,6 +48,9 @@ struct FakePlatform {
         auto l = std::make_unique<FakeLoginItem>();
         loginItem = l.get();
         platform.loginItem = std::move(l);
+        auto w = std::make_unique<FakeWorkspace>();
+        workspace = w.get();
+        platform.workspace = std::move(w);
     }
 };
 

@@ -14,7 +14,7 @@ WindowManagerScreens::WindowManagerScreens(AppContext& context, WindowManagerMod
     : m_context(context), m_windowManager(windowManager),
       m_switcher(std::make_unique<WindowSwitcher>(
           windowManager.windowsCache(), *context.platform.accessibility, *context.platform.screens,
-          context.shortcuts, *context.platform.keyboardLayout,
+          context.platform.workspace.get(), context.shortcuts, *context.platform.keyboardLayout,
           [&prefs = context.preferences] { return prefs.theme.value().windowSwitcherWidth; })) {}
 
 WindowManagerScreens::~WindowManagerScreens() = default;

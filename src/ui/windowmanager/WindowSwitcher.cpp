@@ -5,11 +5,13 @@
 #include "core/MainThread.h"
 #include "platform/Accessibility.h"
 #include "platform/Screens.h"
+#include "platform/Workspace.h"
 #include "windowmanager/LowLevelHelpers.h"
 #include "windowmanager/WindowsCache.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
@@ -25,6 +27,9 @@ namespace {
 
 constexpr int AppNameRole = Qt::UserRole;
 constexpr int TitleRole = Qt::UserRole + 1;
+constexpr int IconRole = Qt::UserRole + 2;
+constexpr int kIconSize = 24;
+constexpr int kIconGap = 8;
 constexpr int kMargin = 8;
 constexpr int kSpacing = 6;
 constexpr int kRowPadding = 12;
@@ -54,8 +59,10 @@ public:
         const QStyle* style = widget ? widget->style() : QApplication::style();
         style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);
 
-        const QRect r =
-            style->subElementRect(QStyle::SE_ItemViewItemText, &opt, widget).adjusted(4, 0, -4, 0);
+        const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &opt, widget);
+        const QRect iconRect(text.left() + 4, text.center().y() - kIconSize / 2 + 1, kIconSize, kIconSize);
+        drawIcon(painter, iconRect, index.data(IconRole).value<QImage>(), index.data(AppNameRole).toString());
+        const QRect r = text.adjusted(4 + kIconSize + kIconGap, 0, -4, 0);
         const auto group = opt.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
         const bool selected = opt.state.testFlag(QStyle::State_Selected);
         QFont bold = opt.font;
@@ -79,18 +86,45 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         QSize size = QStyledItemDelegate::sizeHint(option, index);
-        size.setHeight(std::max(size.height(), QFontMetrics(option.font).height() + kRowPadding));
+        size.setHeight(std::max(
+            {size.height(), QFontMetrics(option.font).height() + kRowPadding, kIconSize + kRowPadding / 2}));
         return size;
+    }
+
+private:
+    // A program without an icon gets its initial on a colour of its own, so rows stay easy to tell apart.
+    static void drawIcon(QPainter* painter, const QRect& r, const QImage& icon, const QString& app) {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        if (!icon.isNull()) {
+            painter->drawImage(r, icon);
+        } else {
+            const QColor fill = QColor::fromHsv(int(qHash(app) % 360), 110, 190);
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(fill);
+            painter->drawRoundedRect(r, 5, 5);
+            QFont font = painter->font();
+            font.setBold(true);
+            font.setPixelSize(r.height() * 3 / 5);
+            painter->setFont(font);
+            painter->setPen(Qt::white);
+            const QString letter =
+                app.trimmed().isEmpty() ? QStringLiteral("?") : app.trimmed().left(1).toUpper();
+            painter->drawText(r, Qt::AlignCenter, letter);
+        }
+        painter->restore();
     }
 };
 
 } // namespace
 
 WindowSwitcher::WindowSwitcher(WindowsCache& cache, Accessibility& access, const Screens& screens,
-                               KeyboardShortcutModel& keys, const KeyboardLayout& layout,
-                               std::function<double()> panelWidth, QObject* parent)
-    : QObject(parent), m_cache(cache), m_access(access), m_screens(screens), m_keys(keys),
-      m_panelWidth(std::move(panelWidth)) {
+                               Workspace* workspace, KeyboardShortcutModel& keys,
+                               const KeyboardLayout& layout, std::function<double()> panelWidth,
+                               QObject* parent)
+    : QObject(parent), m_cache(cache), m_access(access), m_screens(screens), m_workspace(workspace),
+      m_keys(keys), m_panelWidth(std::move(panelWidth)) {
     // The content is built before the panel so that its height is known when the panel is placed.
     m_controller = new StandardWindowController(
         layout, QStringLiteral("Window Switcher"), StandardWindowPreset::dropDownPanel(),
@@ -236,12 +270,15 @@ QWidget* WindowSwitcher::buildContent() {
     m_list->setPalette(palette);
     m_list->installEventFilter(this);
     layout->addWidget(m_list, 1);
+    m_empty = new QLabel();
+    m_empty->setObjectName("windowSwitcherEmpty");
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setForegroundRole(QPalette::PlaceholderText);
+    m_empty->hide();
+    layout->addWidget(m_empty, 1);
 
-    connect(m_search, &QLineEdit::textEdited, this, [this] {
-        // Typing means the user is looking for a window: letting go of the modifier no longer chooses.
-        m_userTookOver = true;
-        m_chooseOnRelease = false;
-    });
+    // Typing while the modifier is held narrows the list; letting go still chooses the selected row,
+    // the first match.
     connect(m_search, &QLineEdit::textChanged, this, &WindowSwitcher::applyFilter);
     connect(m_list, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* item) { chooseRow(m_list->row(item)); });
@@ -278,8 +315,18 @@ void WindowSwitcher::fillList() {
         auto* item = new QListWidgetItem(rowText(w), m_list);
         item->setData(AppNameRole, w.appName.value_or(QString()));
         item->setData(TitleRole, w.title.value_or(QString()));
+        if (m_workspace)
+            item->setData(IconRole, m_workspace->applicationIcon(w.id, w.appName.value_or(QString()),
+                                                                 kIconSize * m_list->devicePixelRatio()));
     }
     select(m_selected < int(m_rows.size()) ? m_selected : -1);
+    // An empty list says why, so the panel never looks broken.
+    const bool empty = m_rows.empty();
+    m_list->setVisible(!empty);
+    m_empty->setVisible(empty);
+    m_empty->setText(m_filter.trimmed().isEmpty()
+                         ? QString("No windows on this desktop")
+                         : QString("No window matches “%1”").arg(m_filter.trimmed()));
 }
 
 void WindowSwitcher::select(int index) {

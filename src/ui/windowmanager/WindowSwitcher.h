@@ -7,6 +7,7 @@
 #include <functional>
 #include <vector>
 
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QWidget;
@@ -19,14 +20,17 @@ class KeyboardShortcutModel;
 class Screens;
 class StandardWindowController;
 class WindowsCache;
+class Workspace;
 
 // The Alt+Tab panel: the windows of the current spaces, most recently used first, with a search
 // field. Held open by the shortcut's modifier, it chooses the selected window when the modifier is
-// let go; once the user types, it stays open until Return, a click or Escape.
+// let go, also after typing a search; opened without a held modifier (or for a search of its own),
+// it stays open until Return, a click or Escape.
 class WindowSwitcher : public QObject {
     Q_OBJECT
 public:
-    WindowSwitcher(WindowsCache& cache, Accessibility& access, const Screens& screens,
+    // Rows show the applications' icons from workspace; without one, a letter stands in.
+    WindowSwitcher(WindowsCache& cache, Accessibility& access, const Screens& screens, Workspace* workspace,
                    KeyboardShortcutModel& keys, const KeyboardLayout& layout,
                    std::function<double()> panelWidth, QObject* parent = nullptr);
     ~WindowSwitcher() override;
@@ -64,6 +68,7 @@ private:
     WindowsCache& m_cache;
     Accessibility& m_access;
     const Screens& m_screens;
+    Workspace* m_workspace;
     KeyboardShortcutModel& m_keys;
     std::function<double()> m_panelWidth;
     StandardWindowController* m_controller;
@@ -81,6 +86,7 @@ private:
     QPointer<QWidget> m_content;
     QPointer<QLineEdit> m_search;
     QPointer<QListWidget> m_list;
+    QPointer<QLabel> m_empty;
 };
 
 } // namespace velmora

@@ -6,6 +6,7 @@
 #include "windowmanager/WindowsCache.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTest>
@@ -20,7 +21,7 @@ struct Desk {
     qint64 now = 1000;
     WindowsCache cache{*fake.platform.windowServer, 1, [this] { return now; }};
     KeyboardShortcutModel keys{nullptr, nullptr};
-    WindowSwitcher switcher{cache, *fake.platform.accessibility,  *fake.platform.screens,
+    WindowSwitcher switcher{cache, *fake.platform.accessibility,  *fake.platform.screens, fake.workspace,
                             keys,  *fake.platform.keyboardLayout, [] { return 400.0; }};
 
     Desk() {
@@ -259,13 +260,17 @@ TEST(WindowSwitcher, LettingGoOfTheModifierChoosesOnlyWhenItWasHeldAtOpening) {
     EXPECT_TRUE(d.switcher.isOpen());
     d.switcher.close();
 
-    // Typing, or asking for the search field, hands the choice to Return.
+    // Typing with the modifier held narrows the list; letting go chooses the first match.
     d.modifiers(ModifierMask::Option);
     d.switcher.open(false);
     QTest::keyClicks(d.field(), "b");
+    ASSERT_EQ(d.rowIds(), Ids({b}));
     d.modifiers(0);
-    EXPECT_TRUE(d.switcher.isOpen());
-    d.switcher.close();
+    EXPECT_FALSE(d.switcher.isOpen());
+    EXPECT_EQ(d.fake.desktop.calls.value(0), QString("focus %1 activate").arg(b));
+    d.fake.desktop.calls.clear();
+
+    // Asking for the search field hands the choice to Return.
     d.modifiers(ModifierMask::Option);
     d.switcher.open(false);
     d.switcher.search();
@@ -278,6 +283,36 @@ TEST(WindowSwitcher, LettingGoOfTheModifierChoosesOnlyWhenItWasHeldAtOpening) {
     d.switcher.search();
     EXPECT_TRUE(d.switcher.isOpen());
     EXPECT_EQ(d.switcher.rows().size(), 3u);
+}
+
+TEST(WindowSwitcher, RowsShowTheApplicationsIconsAndAnEmptyListSaysSo) {
+    Desk d;
+    d.switcher.open(false);
+    const auto* empty = d.switcher.panel()->findChild<QLabel*>("windowSwitcherEmpty");
+    ASSERT_TRUE(empty);
+    EXPECT_FALSE(empty->isHidden());
+    EXPECT_EQ(empty->text(), "No windows on this desktop");
+    d.switcher.close();
+
+    const auto a = d.window("Editor", "notes.txt");
+    d.window("Terminal", "~");
+    QImage icon(24, 24, QImage::Format_ARGB32);
+    icon.fill(Qt::red);
+    d.fake.workspace->icons.insert(a, icon);
+    d.switcher.open(false);
+    empty = d.switcher.panel()->findChild<QLabel*>("windowSwitcherEmpty"); // each opening builds anew
+    EXPECT_TRUE(empty->isHidden());
+    ASSERT_EQ(d.list()->count(), 2);
+    QImage shown;
+    for (int row = 0; row < 2; ++row)
+        if (d.list()->item(row)->data(Qt::UserRole).toString() == "Editor")
+            shown = d.list()->item(row)->data(Qt::UserRole + 2).value<QImage>();
+    EXPECT_EQ(shown, icon);
+
+    QTest::keyClicks(d.field(), "zebra");
+    EXPECT_FALSE(empty->isHidden());
+    EXPECT_TRUE(d.list()->isHidden());
+    EXPECT_EQ(empty->text(), "No window matches “zebra”");
 }
 
 TEST(WindowSwitcher, KeepsTheSelectedWindowWhenTheListChangesWhileOpen) {
