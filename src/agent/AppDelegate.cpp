@@ -7,6 +7,7 @@
 #include "ui/GeneralPreferencesPage.h"
 #include "ui/KeyboardShortcutsPreferencesPage.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/ScreenNotice.h"
 #include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
@@ -119,6 +120,9 @@ void AppDelegate::createModules() {
             &AppDelegate::updateSwallowableChords);
     connect(m_registry.get(), &ModuleRegistry::chordsMayHaveChanged, this,
             &AppDelegate::updateSwallowableChords);
+    connect(m_registry.get(), &ModuleRegistry::indicatorsChanged, this, &AppDelegate::showIndicators);
+    connect(qApp, &QGuiApplication::screenAdded, this, &AppDelegate::showIndicators);
+    connect(qApp, &QGuiApplication::screenRemoved, this, &AppDelegate::showIndicators);
     updateSwallowableChords();
 }
 
@@ -193,6 +197,24 @@ void AppDelegate::showWelcomeWindowIfNeeded() {
     if (auto* screen = QGuiApplication::primaryScreen())
         frame.moveCenter(screen->availableGeometry().center());
     m_welcomeController->show(Rect::fromQRect(frame));
+}
+
+// A state the user must see (the keyboard is off) changes the tray icon and puts a notice with the
+// button that ends it on every screen, for as long as it lasts.
+void AppDelegate::showIndicators() {
+    const auto active = m_registry ? m_registry->activeIndicators() : std::vector<StatusIndicator>{};
+    m_notices.clear();
+    if (m_menubarPopover)
+        m_menubarPopover->showState(active.empty() ? std::nullopt : std::optional(active.front().glyph),
+                                    active.empty() ? QString("Velmora") : "Velmora: " + active.front().title);
+    if (active.empty())
+        return;
+    const StatusIndicator& shown = active.front();
+    for (QScreen* screen : QGuiApplication::screens()) {
+        auto notice = std::make_unique<ScreenNotice>(shown.title, shown.text, shown.endTitle, shown.end);
+        notice->showOn(screen);
+        m_notices.push_back(std::move(notice));
+    }
 }
 
 void AppDelegate::openPreferences(const QString& page) {

@@ -25,6 +25,8 @@ class QMenu;
 
 namespace velmora {
 
+class ScreenNotice;
+
 // Owns start-up and shut-down, the shared objects every module is handed, and the modules themselves.
 class AppDelegate : public QObject {
     Q_OBJECT
@@ -49,6 +51,8 @@ public:
     EventTap* eventTap() { return m_eventTap.get(); }
     AccessibilityModel* accessibility() { return m_accessibility.get(); }
     ModuleRegistry* registry() { return m_registry.get(); }
+    // The notices on the screens while a module's state must be seen (keyboard cleaning).
+    const std::vector<std::unique_ptr<ScreenNotice>>& notices() const { return m_notices; }
     const ActionProviders& providers() const { return m_providers; }
     // Milliseconds from the agent's construction until its input tap was first active.
     std::optional<qint64> tapActiveAfterMs() const { return m_tapActiveAfterMs; }
@@ -74,6 +78,7 @@ private:
     void startModule(Module& module, const QString& step);
     void updateSwallowableChords();
     void logRefusedChords();
+    void showIndicators();
     void showWelcomeWindowIfNeeded();
     QWidget* makeDropDownPanel();
 
@@ -92,6 +97,7 @@ private:
     std::unique_ptr<EventTap> m_eventTap;
     std::unique_ptr<AppContext> m_context;
     std::unique_ptr<ModuleRegistry> m_registry;
+    std::vector<std::unique_ptr<ScreenNotice>> m_notices;
     std::vector<std::unique_ptr<Module>> m_modules;
     std::unique_ptr<AccessibilityModel> m_accessibility;
     std::optional<qint64> m_tapActiveAfterMs;

@@ -4,6 +4,7 @@
 #include "agent/AppDelegate.h"
 #include "agent/ModelCheck.h"
 #include "ui/PreferencesWindow.h"
+#include "ui/ScreenNotice.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -200,7 +201,12 @@ ControlReply ControlCommands::status() {
     if (auto* popover = m_app.menubarPopover(); popover && popover->mainStatusItem()) {
         auto& item = popover->mainStatusItem()->statusItem();
         const QRect geometry = item.geometry();
-        j["statusItem"] = {{"visible", item.isVisible()}, {"embedded", !geometry.isEmpty()}};
+        const StatusIconLook& look = popover->look();
+        j["statusItem"] = {{"visible", item.isVisible()},
+                           {"embedded", !geometry.isEmpty()},
+                           {"panel", look.darkPanel ? "dark" : "light"},
+                           {"state", look.state ? "keyboardOff" : "normal"},
+                           {"toolTip", item.toolTip()}};
         if (!geometry.isEmpty())
             j["statusItem"]["geometry"] = rectJson(geometry);
         j["monitoringItem"] = {{"visible", popover->systemMonitoringItem()->statusItem().isVisible()}};
@@ -209,6 +215,9 @@ ControlReply ControlCommands::status() {
     if (auto* welcome = m_app.welcomeWindowController())
         j["welcomeWindow"] = windowJson(welcome->window());
     j["preferencesWindow"] = windowJson(m_app.preferencesWindow());
+    j["notices"] = Json::array();
+    for (const auto& notice : m_app.notices())
+        j["notices"].push_back(windowJson(notice.get()));
     if (const auto* registry = m_app.registry())
         for (const auto& [key, section] : registry->statusSections())
             j[key.toStdString()] = section();

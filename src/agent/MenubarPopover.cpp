@@ -5,9 +5,18 @@
 #include "platform/Screens.h"
 #include "ui/AppIcon.h"
 
+#include <QGuiApplication>
 #include <QMenu>
+#include <QPalette>
 
 namespace velmora {
+
+namespace {
+
+constexpr int kFirstToneCheckMs = 1500;
+constexpr int kToneCheckMs = 10000;
+
+} // namespace
 
 MenubarPopover::MenubarPopover(const Screens& screens, const KeyboardLayout& layout,
                                StandardWindowController::ContentFactory panelContent, QObject* parent)
@@ -17,7 +26,8 @@ MenubarPopover::MenubarPopover(const Screens& screens, const KeyboardLayout& lay
 
 void MenubarPopover::setUp(QMenu* contextMenu) {
     assertMainThread("MenubarPopover::setUp");
-    m_mainStatusItem = std::make_unique<DynamicStatusItem>("Velmora", appIcon());
+    m_look.darkPanel = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    m_mainStatusItem = std::make_unique<DynamicStatusItem>("Velmora", statusIcon(m_look));
     connect(&m_mainStatusItem->statusItem(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 // Two quick clicks arrive as Trigger then DoubleClick: each click toggles.
@@ -29,9 +39,41 @@ void MenubarPopover::setUp(QMenu* contextMenu) {
     m_mainStatusItem->statusItem().show();
 
     m_systemMonitoringItem = std::make_unique<DynamicStatusItem>("Velmora:SystemMonitoring", appIcon());
+
+    // Soon after the tray embeds the icon, then every ten seconds (a grab of the icon's few pixels).
+    connect(&m_toneCheck, &QTimer::timeout, this, &MenubarPopover::followPanelTone);
+    QTimer::singleShot(kFirstToneCheckMs, this, &MenubarPopover::followPanelTone);
+    m_toneCheck.start(kToneCheckMs);
+}
+
+void MenubarPopover::showState(std::optional<StatusGlyph> state, const QString& tooltip) {
+    if (!m_mainStatusItem)
+        return;
+    m_mainStatusItem->statusItem().setToolTip(tooltip);
+    StatusIconLook look = m_look;
+    look.state = state;
+    applyLook(look);
+}
+
+void MenubarPopover::followPanelTone() {
+    if (!m_mainStatusItem)
+        return;
+    if (const auto dark = panelIsDarkAt(m_mainStatusItem->statusItem().geometry())) {
+        StatusIconLook look = m_look;
+        look.darkPanel = *dark;
+        applyLook(look);
+    }
+}
+
+void MenubarPopover::applyLook(const StatusIconLook& look) {
+    if (look == m_look)
+        return;
+    m_look = look;
+    m_mainStatusItem->statusItem().setIcon(statusIcon(m_look));
 }
 
 void MenubarPopover::toggle() {
+    followPanelTone();
     if (m_windowController.isShown())
         m_windowController.close();
     else

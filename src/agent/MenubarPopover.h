@@ -2,6 +2,9 @@
 
 #include "agent/DynamicStatusItem.h"
 #include "app/StandardWindowController.h"
+#include "ui/StatusIcon.h"
+
+#include <QTimer>
 
 #include <memory>
 
@@ -21,6 +24,9 @@ public:
     // Creates both icons; the monitoring one stays hidden until it has widgets to show.
     void setUp(QMenu* contextMenu);
     void toggle();
+    // The icon for a state the user must see (or none), with the tooltip that names it.
+    void showState(std::optional<StatusGlyph> state, const QString& tooltip);
+    const StatusIconLook& look() const { return m_look; }
     void show();
 
     DynamicStatusItem* mainStatusItem() const { return m_mainStatusItem.get(); }
@@ -32,6 +38,12 @@ private:
     std::unique_ptr<DynamicStatusItem> m_mainStatusItem;
     std::unique_ptr<DynamicStatusItem> m_systemMonitoringItem;
     StandardWindowController m_windowController;
+    StatusIconLook m_look;
+    // The panel behind the icon is looked at again now and then: themes and trays change.
+    QTimer m_toneCheck;
+
+    void followPanelTone();
+    void applyLook(const StatusIconLook& look);
 };
 
 } // namespace velmora

@@ -37,4 +37,24 @@ void ModuleRegistry::addShortcutRows(std::initializer_list<KeyboardAppAction> ac
     m_shortcutRows.insert(actions.begin(), actions.end());
 }
 
+void ModuleRegistry::addIndicator(StatusIndicator indicator) {
+    m_indicators.emplace_back(std::move(indicator), false);
+}
+
+void ModuleRegistry::setIndicatorActive(const QString& id, bool active) {
+    for (auto& [indicator, isActive] : m_indicators)
+        if (indicator.id == id && isActive != active) {
+            isActive = active;
+            emit indicatorsChanged();
+        }
+}
+
+std::vector<StatusIndicator> ModuleRegistry::activeIndicators() const {
+    std::vector<StatusIndicator> active;
+    for (const auto& [indicator, isActive] : m_indicators)
+        if (isActive)
+            active.push_back(indicator);
+    return active;
+}
+
 } // namespace velmora

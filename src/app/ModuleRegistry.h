@@ -4,6 +4,7 @@
 #include "app/AppActionDispatcher.h"
 #include "app/Module.h"
 #include "app/PanelRows.h"
+#include "app/StatusIndicator.h"
 #include "core/KeyboardAppAction.h"
 
 #include <QObject>
@@ -33,6 +34,11 @@ public:
     // The bindings whose shortcuts this module answers, shown on the shortcuts page; the others
     // belong to subsystems this build does not have.
     void addShortcutRows(std::initializer_list<KeyboardAppAction> actions);
+    // A state the module shows while it lasts; it is shown from setIndicatorActive(id, true) on.
+    void addIndicator(StatusIndicator indicator);
+    void setIndicatorActive(const QString& id, bool active);
+    // The indicators in force now, in the order they were added.
+    std::vector<StatusIndicator> activeIndicators() const;
     // A module's chords depend on more than the preferences (a window appeared): grab them anew.
     void chordsChanged() { emit chordsMayHaveChanged(); }
 
@@ -45,6 +51,7 @@ public:
 
 signals:
     void chordsMayHaveChanged();
+    void indicatorsChanged();
 
 private:
     AppActionDispatcher& m_dispatcher;
@@ -54,6 +61,7 @@ private:
     std::vector<std::pair<QString, PageFactory>> m_pages;
     std::vector<PanelRowsFactory> m_panelRows;
     std::set<KeyboardAppAction> m_shortcutRows;
+    std::vector<std::pair<StatusIndicator, bool>> m_indicators;
 };
 
 } // namespace velmora

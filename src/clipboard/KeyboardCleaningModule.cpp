@@ -25,6 +25,12 @@ void KeyboardCleaningModule::registerWith(ModuleRegistry& registry) {
                          "silence the whole keyboard (the mouse keeps working)", 1, 1,
                          [this](const QStringList& arguments) { return command(arguments); }});
     registry.addStatus("keyboardCleaning", [this] { return Json(m_model.isOn()); });
+    registry.addIndicator({"keyboardCleaning", "Keyboard cleaning is on",
+                           "Every key is ignored, so you can wipe the keyboard. The mouse still works.",
+                           "End Keyboard Cleaning", [this] { m_model.setOn(false); },
+                           StatusGlyph::keyboardOff});
+    QObject::connect(&m_model, &KeyboardCleaningModel::isOnChanged, &registry,
+                     [&registry](bool on) { registry.setIndicatorActive("keyboardCleaning", on); });
 }
 
 ControlReply KeyboardCleaningModule::command(const QStringList& arguments) {

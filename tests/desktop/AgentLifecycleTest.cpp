@@ -16,6 +16,20 @@ void writeSettings(const VirtualDesktop& desktop, const QByteArray& ini) {
     file.write(ini);
 }
 
+// The icon's glyph in the colour given (black: dark, white: light): some pixel of its middle row is
+// near that colour and none is coloured.
+bool glyphIs(const VirtualDesktop& desktop, const QRect& icon, Qt::GlobalColor tone) {
+    bool seen = false;
+    const QStringList row = desktop.pixelRow(icon.left() + 2, icon.center().y(), icon.width() - 4);
+    for (const QString& colour : row) {
+        const QColor c(colour);
+        if (!c.isValid() || c.saturation() > 40)
+            return false;
+        seen |= tone == Qt::black ? c.lightness() < 70 : c.lightness() > 200;
+    }
+    return seen;
+}
+
 } // namespace
 
 TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
@@ -26,14 +40,11 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
 
     const auto icon = agent.waitForStatusIcon();
     ASSERT_TRUE(icon) << agent.status().dump();
-    // The tray host sits at the top right; the icon is drawn in it in the program's violet.
+    // The tray host sits at the top right; the icon is a dark glyph on its light grey panel.
     EXPECT_GT(icon->x(), 1300);
     EXPECT_LT(icon->y(), 24);
-    QColor colour;
-    EXPECT_TRUE(waitUntil([&] {
-        colour = QColor(desktop.pixel(icon->center().x(), icon->y() + icon->height() / 3));
-        return colour.isValid() && colour.blue() > colour.green() + 60;
-    })) << colour.name().toStdString();
+    EXPECT_TRUE(waitUntil([&] { return agent.status()["statusItem"]["panel"] == "light"; }));
+    EXPECT_TRUE(waitUntil([&] { return glyphIs(desktop, *agent.waitForStatusIcon(), Qt::black); }));
 
     const auto status = agent.status();
     EXPECT_EQ(status["version"], "0.1.0");
@@ -43,6 +54,20 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
               AgentUnderTest::Json::parse(
                   R"(["preferences","statusItems","permissionPoll","windowCache","welcome"])"));
     EXPECT_FALSE(status["monitoringItem"]["visible"].get<bool>());
+}
+
+TEST(AgentLifecycle, TheTrayIconFollowsADarkPanel) {
+    VirtualDesktop::Options dark;
+    dark.darkTray = true;
+    VirtualDesktop desktop(dark);
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    const auto icon = agent.waitForStatusIcon();
+    ASSERT_TRUE(icon);
+    EXPECT_TRUE(waitUntil([&] { return agent.status()["statusItem"]["panel"] == "dark"; }, 15000))
+        << agent.status()["statusItem"].dump();
+    // The tray may still be giving the icon its final size when it is first embedded.
+    EXPECT_TRUE(waitUntil([&] { return glyphIs(desktop, *agent.waitForStatusIcon(), Qt::white); }));
 }
 
 TEST(AgentLifecycle, SecondInstanceSaysSoAndLeavesTheFirstRunning) {

@@ -166,6 +166,32 @@ TEST_F(ShortcutDesktop, CleaningIsEndedByClickingItsSwitchInThePanel) {
     EXPECT_EQ(window->countLines("key 75 "), 1);
 }
 
+// While the keyboard is off the tray icon says so, and the screen shows a notice whose button ends it.
+TEST_F(ShortcutDesktop, CleaningShowsOnTheTrayAndTheScreenAndItsNoticeEndsIt) {
+    EXPECT_EQ(agent.status()["statusItem"]["state"], "normal");
+    ASSERT_TRUE(agent.json({"keyboard-cleaning", "on"}));
+    const auto status = agent.status();
+    EXPECT_EQ(status["statusItem"]["state"], "keyboardOff");
+    EXPECT_EQ(status["statusItem"]["toolTip"], "Velmora: Keyboard cleaning is on");
+    ASSERT_EQ(status["notices"].size(), 1u) << status.dump();
+    const auto& notice = status["notices"][0];
+    EXPECT_TRUE(notice["open"].get<bool>());
+    const auto& frame = notice["frame"];
+    EXPECT_NEAR(frame[0].get<int>() + frame[2].get<int>() / 2, 720, 2); // centred on the screen
+    ASSERT_EQ(notice["buttons"].size(), 1u);
+    EXPECT_EQ(notice["buttons"][0]["title"], "End Keyboard Cleaning");
+
+    const auto& f = notice["buttons"][0]["frame"];
+    desktop.run("xdotool", {"mousemove", QString::number(f[0].get<int>() + f[2].get<int>() / 2),
+                            QString::number(f[1].get<int>() + f[3].get<int>() / 2), "click", "1"});
+    EXPECT_TRUE(waitUntil([&] { return !agent.status()["keyboardCleaning"].get<bool>(); }));
+    EXPECT_TRUE(agent.status()["notices"].empty());
+    EXPECT_EQ(agent.status()["statusItem"]["state"], "normal");
+    window->activate();
+    settle("k");
+    EXPECT_EQ(window->countLines("key 75 "), 1);
+}
+
 TEST_F(ShortcutDesktop, KillingTheAgentDuringCleaningGivesTheKeyboardBack) {
     ASSERT_TRUE(agent.json({"keyboard-cleaning", "on"}));
     QThread::msleep(300);

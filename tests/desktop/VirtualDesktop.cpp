@@ -39,9 +39,13 @@ VirtualDesktop::VirtualDesktop(Options options) : m_options(options) {
         return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).out.contains("window id");
     });
     if (m_options.tray) {
-        start("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24",
-                         "--SetDockType", "true", "--SetPartialStrut", "true", "--transparent", "false",
-                         "--tint", "0x303030"});
+        QStringList args{"--edge",   "top", "--align",       "right", "--widthtype",       "request",
+                         "--height", "24",  "--SetDockType", "true",  "--SetPartialStrut", "true"};
+        // A tint is drawn only on a "transparent" panel; alpha 0 makes it opaque.
+        args << (m_options.darkTray
+                     ? QStringList{"--transparent", "true", "--alpha", "0", "--tint", "0x202020"}
+                     : QStringList{"--transparent", "false"});
+        start("trayer", args);
         waitUntil([this] { return run("xprop", {"-name", "panel", "WM_CLASS"}).exitCode == 0; });
     }
 }
@@ -130,13 +134,21 @@ QProcess* VirtualDesktop::start(const QString& program, const QStringList& args)
     return m_processes.back().get();
 }
 
+QStringList VirtualDesktop::pixelRow(int x, int y, int width) const {
+    const auto o =
+        run("import", {"-window", "root", "-crop", QString("%1x1+%2+%3").arg(width).arg(x).arg(y), "txt:-"});
+    // Each line reads "x,y: (r,g,b)  #RRRRGGGGBBBB  name" in 16 bits per channel; the name is not always
+    // srgb(...) (greys are "grey69"), so the hex column is read, its high byte per channel.
+    static const QRegularExpression hex(R"(\s#([0-9A-Fa-f]{2})[0-9A-Fa-f]{2}([0-9A-Fa-f]{2})[0-9A-Fa-f]{2})"
+                                        R"(([0-9A-Fa-f]{2})[0-9A-Fa-f]{2}\s)");
+    QStringList colours;
+    for (auto it = hex.globalMatch(o.out); it.hasNext();) {
+        const auto m = it.next();
+        colours << ("#" + m.captured(1) + m.captured(2) + m.captured(3)).toLower();
+    }
+    return colours;
+}
+
 QString VirtualDesktop::pixel(int x, int y) const {
-    // "import" ends its line with the 8-bit colour, e.g. "... srgb(113,95,245)".
-    const auto o = run("import", {"-window", "root", "-crop", QString("1x1+%1+%2").arg(x).arg(y), "txt:-"});
-    static const QRegularExpression srgb(R"(srgb\((\d+),(\d+),(\d+)\))");
-    const auto m = srgb.match(o.out);
-    if (!m.hasMatch())
-        return {};
-    return QString::asprintf("#%02x%02x%02x", m.captured(1).toInt(), m.captured(2).toInt(),
-                             m.captured(3).toInt());
+    return pixelRow(x, y, 1).value(0);
 }

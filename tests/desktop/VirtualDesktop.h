@@ -20,6 +20,8 @@ public:
         // Two monitors side by side, each width x height. Xvfb has a single RandR output and ignores
         // added monitors, so this desktop runs on Xorg's dummy driver instead.
         bool twoMonitors = false;
+        // The tray host's panel dark instead of the toolkit's light grey.
+        bool darkTray = false;
     };
     VirtualDesktop() : VirtualDesktop(Options{}) {}
     explicit VirtualDesktop(Options options);
@@ -43,6 +45,8 @@ public:
 
     // The colour of one pixel of the screen as the user sees it, "#rrggbb".
     QString pixel(int x, int y) const;
+    // The colours of a row of pixels starting there, left to right, in one look at the screen.
+    QStringList pixelRow(int x, int y, int width) const;
 
 private:
     QProcess* startServer();
