@@ -1,7 +1,10 @@
 #include "agent/AppDelegate.h"
 
+#include "platform/Screens.h"
+
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/MainThread.h"
+#include "ui/BriefMessage.h"
 #include "ui/DeveloperPreferencesPage.h"
 #include "ui/DropDownPanelView.h"
 #include "ui/GeneralPreferencesPage.h"
@@ -99,15 +102,21 @@ void AppDelegate::createModules() {
         [this](const KeyboardShortcut& chord) { return m_providers.match(chord); },
         [this](const KeyboardBinding& binding) {
             // Carried out after the verdict went back, so a slow action never holds the keyboard.
-            QTimer::singleShot(0, this,
-                               [this, binding] { m_dispatcher.dispatch(binding.action, binding.id); });
+            QTimer::singleShot(0, this, [this, binding] {
+                if (const auto owner = refusal(binding.shortcut)) {
+                    showBrief(*owner);
+                    return;
+                }
+                m_dispatcher.dispatch(binding.action, binding.id);
+            });
         });
     m_shortcuts->setRematcher(
         [this](const KeyboardBinding& binding) { return m_providers.rematch(binding); });
     m_eventTap = std::make_unique<EventTap>(*m_platform.inputTap, *m_shortcuts, m_logging, &nowMs);
     connect(m_eventTap.get(), &EventTap::refusedChordsChanged, this, &AppDelegate::logRefusedChords);
-    m_context = std::make_unique<AppContext>(
-        AppContext{m_platform, *m_preferences, m_logging, *m_shortcuts, *m_eventTap, m_dispatcher, &nowMs});
+    m_context = std::make_unique<AppContext>(AppContext{m_platform, *m_preferences, m_logging, *m_shortcuts,
+                                                        *m_eventTap, m_dispatcher, &nowMs,
+                                                        [this](const QString& text) { showBrief(text); }});
     m_registry = std::make_unique<ModuleRegistry>(m_dispatcher, m_providers);
 
     auto& windowManager = addModule<WindowManagerModule>();
@@ -197,6 +206,32 @@ void AppDelegate::showWelcomeWindowIfNeeded() {
     if (auto* screen = QGuiApplication::primaryScreen())
         frame.moveCenter(screen->availableGeometry().center());
     m_welcomeController->show(Rect::fromQRect(frame));
+}
+
+// A chord another program holds reaches that program; acting on it too would do two things at once.
+std::optional<QString> AppDelegate::refusal(const KeyboardShortcut& chord) const {
+    KeyboardShortcut asked = chord;
+    asked.disabled = false;
+    for (const RefusedChord& refused : m_eventTap->refusedChords())
+        if (refused.shortcut.matches(asked))
+            return QString("%1 belongs to another program; choose another shortcut in Preferences")
+                .arg(shortcutText(chord, *m_platform.keyboardLayout));
+    return std::nullopt;
+}
+
+void AppDelegate::showBrief(const QString& text) {
+    VELMORA_LOG(m_logging, LogContext::Default, LogLevel::Info, text + ".");
+    if (!m_brief)
+        m_brief = std::make_unique<BriefMessage>();
+    QScreen* screen = QGuiApplication::primaryScreen();
+    // Screens are in bottom-left coordinates; Qt's are top-left.
+    const auto primary = primaryScreen(m_platform.screens->screens());
+    if (const auto main = m_platform.screens->mainScreen(); main && primary)
+        if (QScreen* at = QGuiApplication::screenAt(
+                main->frame.flipped(primary->frame.height).toQRectF().center().toPoint()))
+            screen = at;
+    if (screen)
+        m_brief->showOn(screen, text);
 }
 
 // A state the user must see (the keyboard is off) changes the tray icon and puts a notice with the

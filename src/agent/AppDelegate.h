@@ -25,6 +25,7 @@ class QMenu;
 
 namespace velmora {
 
+class BriefMessage;
 class ScreenNotice;
 
 // Owns start-up and shut-down, the shared objects every module is handed, and the modules themselves.
@@ -53,6 +54,9 @@ public:
     ModuleRegistry* registry() { return m_registry.get(); }
     // The notices on the screens while a module's state must be seen (keyboard cleaning).
     const std::vector<std::unique_ptr<ScreenNotice>>& notices() const { return m_notices; }
+    // Says briefly on the screen the user works on what could not be done.
+    void showBrief(const QString& text);
+    const BriefMessage* brief() const { return m_brief.get(); }
     const ActionProviders& providers() const { return m_providers; }
     // Milliseconds from the agent's construction until its input tap was first active.
     std::optional<qint64> tapActiveAfterMs() const { return m_tapActiveAfterMs; }
@@ -79,6 +83,7 @@ private:
     void updateSwallowableChords();
     void logRefusedChords();
     void showIndicators();
+    std::optional<QString> refusal(const KeyboardShortcut& chord) const;
     void showWelcomeWindowIfNeeded();
     QWidget* makeDropDownPanel();
 
@@ -98,6 +103,7 @@ private:
     std::unique_ptr<AppContext> m_context;
     std::unique_ptr<ModuleRegistry> m_registry;
     std::vector<std::unique_ptr<ScreenNotice>> m_notices;
+    std::unique_ptr<BriefMessage> m_brief;
     std::vector<std::unique_ptr<Module>> m_modules;
     std::unique_ptr<AccessibilityModel> m_accessibility;
     std::optional<qint64> m_tapActiveAfterMs;

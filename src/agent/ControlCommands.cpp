@@ -3,6 +3,7 @@
 #include "Version.h"
 #include "agent/AppDelegate.h"
 #include "agent/ModelCheck.h"
+#include "ui/BriefMessage.h"
 #include "ui/PreferencesWindow.h"
 #include "ui/ScreenNotice.h"
 
@@ -215,6 +216,8 @@ ControlReply ControlCommands::status() {
     if (auto* welcome = m_app.welcomeWindowController())
         j["welcomeWindow"] = windowJson(welcome->window());
     j["preferencesWindow"] = windowJson(m_app.preferencesWindow());
+    if (const auto* brief = m_app.brief(); brief && brief->isVisible())
+        j["brief"] = brief->text();
     j["notices"] = Json::array();
     for (const auto& notice : m_app.notices())
         j["notices"].push_back(windowJson(notice.get()));

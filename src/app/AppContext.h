@@ -22,6 +22,8 @@ struct AppContext {
     EventTap& eventTap;
     AppActionDispatcher& dispatcher;
     std::function<qint64()> nowMs; // wall-clock milliseconds since 1970
+    // A short message on the screen the user works on, for an action that had nothing to act on.
+    std::function<void(const QString&)> brief;
 };
 
 } // namespace velmora

@@ -46,9 +46,21 @@ std::optional<ZoneChoice> WindowManagerActions::zonesForChord(const KeyboardShor
                       target.gap);
 }
 
+std::optional<WindowInfo> WindowManagerActions::focusedOrSay() const {
+    auto window = m_cache.focusedWindow();
+    if (!window)
+        nothingToDo("No window has the focus");
+    return window;
+}
+
+void WindowManagerActions::nothingToDo(const QString& why) const {
+    if (onNothingToDo)
+        onNothingToDo(why);
+}
+
 void WindowManagerActions::applyZone(const ZoneChoice& choice) {
     assertMainThread("WindowManagerActions::applyZone");
-    const auto window = m_cache.focusedWindow();
+    const auto window = focusedOrSay();
     if (!window || choice.index < 0 || std::size_t(choice.index) >= choice.candidates.size())
         return;
     const auto target = targetFor(window->frame);
@@ -79,7 +91,7 @@ void WindowManagerActions::center(const WindowInfo& window, const ScreenInfo& sc
 
 void WindowManagerActions::centerWindow() {
     assertMainThread("WindowManagerActions::centerWindow");
-    const auto window = m_cache.focusedWindow();
+    const auto window = focusedOrSay();
     if (!window)
         return;
     if (const auto target = targetFor(window->frame))
@@ -88,7 +100,7 @@ void WindowManagerActions::centerWindow() {
 
 void WindowManagerActions::makeWindow16By9() {
     assertMainThread("WindowManagerActions::makeWindow16By9");
-    const auto window = m_cache.focusedWindow();
+    const auto window = focusedOrSay();
     if (!window)
         return;
     const double k = std::sqrt(window->frame.width * window->frame.height / 144);
@@ -102,8 +114,12 @@ void WindowManagerActions::moveWindowToScreen() {
     assertMainThread("WindowManagerActions::moveWindowToScreen");
     const auto screens = m_screens.screens();
     const auto main = m_screens.mainScreen();
-    const auto window = m_cache.focusedWindow();
-    if (screens.size() < 2 || !main || !window)
+    if (screens.size() < 2) {
+        nothingToDo("There is no other screen to move the window to");
+        return;
+    }
+    const auto window = focusedOrSay();
+    if (!main || !window)
         return;
     // The next screen after the one with the keyboard focus, not after the window's own.
     const auto it =
@@ -117,7 +133,7 @@ void WindowManagerActions::moveWindowToScreen() {
 
 void WindowManagerActions::matchSnappedWindowFrame() {
     assertMainThread("WindowManagerActions::matchSnappedWindowFrame");
-    const auto window = m_cache.focusedWindow();
+    const auto window = focusedOrSay();
     if (!window)
         return;
     const auto target = targetFor(window->frame);
@@ -147,6 +163,7 @@ void WindowManagerActions::matchSnappedWindowFrame() {
         snapped({at.x, at.y, frame->width, frame->height}, U);
         return;
     }
+    nothingToDo("No window on this screen is snapped to a side to match");
 }
 
 void WindowManagerActions::snapped(const Rect& frame, const Rect& usable) {

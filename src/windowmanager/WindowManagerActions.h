@@ -31,6 +31,9 @@ public:
     void moveWindowToScreen();
     void matchSnappedWindowFrame();
 
+    // Told, in a few plain words, when an action finds nothing to act on (no focused window, one screen).
+    std::function<void(const QString&)> onNothingToDo;
+
     // Centres a window on a screen, shrinking it to 80 % of the screen when it does not fit.
     void center(const WindowInfo& window, const ScreenInfo& screen, std::optional<Size> size = std::nullopt);
 
@@ -43,6 +46,8 @@ private:
     std::optional<Target> targetFor(const Rect& windowFrame) const;
     Target targetOn(const ScreenInfo& screen) const;
     void snapped(const Rect& frame, const Rect& usable);
+    std::optional<WindowInfo> focusedOrSay() const;
+    void nothingToDo(const QString& why) const;
 
     WindowsCache& m_cache;
     Accessibility& m_access;

@@ -23,7 +23,12 @@ WindowManagerModule::WindowManagerModule(AppContext& context)
       m_cache(*context.platform.windowServer, qint32(QCoreApplication::applicationPid()), context.nowMs),
       m_actions(
           m_cache, *context.platform.accessibility, *context.platform.screens,
-          [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model) {}
+          [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model) {
+    m_actions.onNothingToDo = [this](const QString& why) {
+        if (m_context.brief)
+            m_context.brief(why);
+    };
+}
 
 QString WindowManagerModule::unavailableReason() const {
     if (!m_context.preferences.local.windowManagerEnabled())

@@ -235,4 +235,20 @@ TEST(ShortcutRefusals, ChordHeldByAnotherProgramIsReportedOthersWork) {
 
     desktop.run("xdotool", {"key", "super+alt+c"});
     EXPECT_TRUE(waitUntil([&] { return dispatchCount(agent) == 1; }));
+
+    // Pressed anyway, the chord goes to the program that holds it; the agent only says so.
+    desktop.run("xdotool", {"key", "super+alt+f"});
+    EXPECT_TRUE(waitUntil([&] { return agent.status().contains("brief"); })) << agent.status().dump();
+    EXPECT_EQ(agent.status().value("brief", ""),
+              "Super+Alt+F belongs to another program; choose another shortcut in Preferences");
+    EXPECT_EQ(dispatchCount(agent), 1);
+}
+
+// An action with nothing to act on says so on the screen instead of doing nothing silently.
+TEST_F(ShortcutDesktop, AnActionWithNothingToDoSaysSoBriefly) {
+    key("super+alt+m"); // next screen, on a desktop with one screen
+    ASSERT_TRUE(waitUntil([&] { return agent.status().contains("brief"); })) << agent.status().dump();
+    EXPECT_EQ(agent.status()["brief"], "There is no other screen to move the window to");
+    // It goes away by itself.
+    EXPECT_TRUE(waitUntil([&] { return !agent.status().contains("brief"); }, 4000));
 }
