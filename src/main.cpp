@@ -131,8 +131,10 @@ int runAgent(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     if (const auto running = ControlClient::request({"status"}, 1000); running && running->ok) {
-        std::printf("Velmora is already running (pid %lld).\n",
-                    static_cast<long long>(running->result.value("pid", 0LL)));
+        const std::string display = running->result.value("display", std::string());
+        std::printf("Velmora is already running (pid %lld%s%s).\n",
+                    static_cast<long long>(running->result.value("pid", 0LL)),
+                    display.empty() ? "" : " on display ", display.c_str());
         return 0;
     }
 

@@ -187,6 +187,7 @@ ControlReply ControlCommands::status() {
     Json j = Json::object();
     j["version"] = kVersion;
     j["pid"] = QCoreApplication::applicationPid();
+    j["display"] = qEnvironmentVariable("DISPLAY").toStdString();
     const PermissionState permission = m_app.platform().permission->check();
     j["platform"] = {{"usable", permission.trusted}};
     if (!permission.trusted)

@@ -78,6 +78,7 @@ TEST(AgentLifecycle, SecondInstanceSaysSoAndLeavesTheFirstRunning) {
     const auto second = desktop.run(VELMORA_BINARY, {});
     EXPECT_EQ(second.exitCode, 0);
     EXPECT_TRUE(second.out.contains("already running")) << second.out.toStdString();
+    EXPECT_TRUE(second.out.contains("on display " + desktop.display())) << second.out.toStdString();
     EXPECT_EQ(agent.status()["pid"].get<qint64>(), agent.process()->processId());
 }
 
