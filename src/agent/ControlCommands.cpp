@@ -315,12 +315,28 @@ ControlReply ControlCommands::prefsSet(const QString& key, const QString& text) 
         const auto v = localValueFromJson(value, type);
         if (!v)
             return ControlReply::failure(QString("%1 was not changed: it takes %2").arg(key, kindOf(type)));
+        if (key == "LaunchOnStart")
+            return launchOnStart(v->toBool());
         if (!m_app.platform().defaults->setValue(key, *v))
             return ControlReply::failure(QString("%1 was not changed: the settings cannot be saved: %2")
                                              .arg(key, m_app.platform().defaults->lastWriteError()));
         return prefsGet(key);
     }
     return ControlReply::failure(QString("no preference named \"%1\" (see velmora prefs list)").arg(key));
+}
+
+// The flag follows the login item, as on the General page: it is what runs at the next login.
+ControlReply ControlCommands::launchOnStart(bool on) {
+    LoginItem& item = *m_app.platform().loginItem;
+    const bool result = item.setEnabled(on);
+    auto& local = m_app.preferences()->local;
+    if (local.launchOnStart() != result)
+        local.setLaunchOnStart(result);
+    if (result != on)
+        return ControlReply::failure(
+            QString("LaunchOnStart was not changed: %1")
+                .arg(item.lastError().isEmpty() ? "the login item refused" : item.lastError()));
+    return prefsGet("LaunchOnStart");
 }
 
 ControlReply ControlCommands::logsExport(const QString& path) {

@@ -29,6 +29,7 @@ private:
     ControlReply logsExport(const QString& path);
     ControlReply panel(const QString& how);
     ControlReply preferences(const QString& page);
+    ControlReply launchOnStart(bool on);
     ControlReply quit();
     ControlReply action(const QString& name);
     ControlReply debug(const QStringList& args);

@@ -168,3 +168,44 @@ TEST(Settings, AStoredShiftChordNeverEatsTyping) {
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_TRUE(refused.err.contains("needs Ctrl, Alt or Super")) << refused.err.toStdString();
 }
+
+// Launch at login is an autostart entry that desktops read; the switch and the command line both
+// follow what was really written.
+TEST(Settings, LaunchAtLoginTogglesAValidAutostartEntryOrSaysWhyNot) {
+    VirtualDesktop desktop;
+    seed(desktop, "");
+    AgentUnderTest agent(desktop);
+    ASSERT_TRUE(agent.start());
+    const QString entry = desktop.configDir() + "/autostart/velmora.desktop";
+
+    ASSERT_TRUE(agent.json({"prefs", "set", "LaunchOnStart", "true"}));
+    ASSERT_TRUE(QFile::exists(entry));
+    const auto validated = desktop.run("desktop-file-validate", {entry});
+    EXPECT_EQ(validated.exitCode, 0) << validated.out.toStdString() << validated.err.toStdString();
+    EXPECT_EQ(agent.json({"prefs", "get", "LaunchOnStart"}), Json(true));
+
+    // The General page's switch shows it, and clicking it removes the entry.
+    ASSERT_TRUE(agent.json({"preferences", "General"}));
+    Json box;
+    ASSERT_TRUE(waitUntil([&] {
+        for (const auto& b : agent.status()["preferencesWindow"].value("buttons", Json::array()))
+            if (b["title"] == "Launch at login")
+                box = b;
+        return !box.is_null();
+    }));
+    EXPECT_TRUE(box["checked"].get<bool>());
+    const QPoint at = boxOf(box);
+    desktop.run("xdotool", {"mousemove", QString::number(at.x()), QString::number(at.y()), "click", "1"});
+    EXPECT_TRUE(waitUntil([&] { return !QFile::exists(entry); }));
+    EXPECT_EQ(agent.json({"prefs", "get", "LaunchOnStart"}), Json(false));
+
+    // A folder that cannot be written: refused with the reason, nothing claims it is on.
+    const QString folder = desktop.configDir() + "/autostart";
+    WritableAgain writable{desktop, {folder}};
+    ASSERT_TRUE(setReadOnly(desktop, folder, true));
+    const auto refused = agent.command({"prefs", "set", "LaunchOnStart", "true"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains("LaunchOnStart was not changed")) << refused.err.toStdString();
+    EXPECT_EQ(agent.json({"prefs", "get", "LaunchOnStart"}), Json(false));
+    EXPECT_FALSE(QFile::exists(entry));
+}
