@@ -1,12 +1,18 @@
 // The module contract over the fake platform: what a module registers is seen, once, by matching,
 // grabbing, the command line, status and the help; what cannot run is neither matched nor grabbed.
 #include "FakeAgent.h"
+#include "agent/MenubarPopover.h"
+#include "app/ModuleRegistry.h"
+#include "ui/BriefMessage.h"
+#include "ui/ScreenNotice.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/KeyEvent.h"
 #include "windowmanager/WindowManagerModule.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <QPushButton>
 #include <gtest/gtest.h>
 
 using namespace velmora;
@@ -116,4 +122,33 @@ TEST(ModuleContract, PanelRowsAndPreferencePagesComeFromTheModules) {
     EXPECT_TRUE(agent.app.module<KeyboardCleaningModule>()->model().isOn());
     agent.commands.handle({"keyboard-cleaning", "off"});
     EXPECT_FALSE(cleaning->isChecked()); // the row follows the model
+}
+
+// A module's state that must be seen (the keyboard is off) reaches the tray icon and every screen,
+// and the notice's button ends it.
+TEST(ModuleContract, AnIndicatorShowsOnTheTrayAndEveryScreenUntilItsButtonEndsIt) {
+    FakeAgent agent;
+    ASSERT_TRUE(agent.commands.handle({"keyboard-cleaning", "on"}).ok);
+    const auto active = agent.app.registry()->activeIndicators();
+    ASSERT_EQ(active.size(), 1u);
+    EXPECT_EQ(active[0].id, "keyboardCleaning");
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::keyboardOff);
+    EXPECT_EQ(agent.app.notices().size(), std::size_t(QGuiApplication::screens().size()));
+
+    agent.app.notices().front()->endButton()->click();
+    EXPECT_TRUE(agent.app.registry()->activeIndicators().empty());
+    EXPECT_TRUE(agent.app.notices().empty());
+    EXPECT_FALSE(agent.app.menubarPopover()->look().state);
+    const auto status = agent.commands.handle({"status"});
+    EXPECT_FALSE(status.result["keyboardCleaning"].get<bool>());
+}
+
+// An action with nothing to act on says so, in the log and on the screen.
+TEST(ModuleContract, AnActionWithNothingToActOnSaysSo) {
+    FakeAgent agent;
+    ASSERT_TRUE(agent.commands.handle({"action", "centerWindow"}).ok);
+    ASSERT_TRUE(agent.app.brief());
+    EXPECT_EQ(agent.app.brief()->text(), "No window has the focus");
+    ASSERT_TRUE(agent.commands.handle({"action", "moveWindowToScreen"}).ok);
+    EXPECT_EQ(agent.app.brief()->text(), "There is no other screen to move the window to");
 }
