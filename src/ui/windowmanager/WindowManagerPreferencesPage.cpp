@@ -85,7 +85,9 @@ QLabel* hint(const QString& text) {
 
 WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& preferences,
                                                            KeyboardShortcutModel& model,
-                                                           const KeyboardLayout& layout, QWidget* parent)
+                                                           const KeyboardLayout& layout,
+                                                           WindowManagerPageFeatures features,
+                                                           QWidget* parent)
     : QWidget(parent), m_preferences(preferences), m_templates(zoneTemplates()),
       m_windowSwitcher(new QCheckBox(QStringLiteral("Enable window switcher"))),
       m_autoLayout(new QCheckBox(QStringLiteral("Enable auto-layout"))), m_spacing(new QDoubleSpinBox),
@@ -129,6 +131,9 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     m_shiftEnables->setObjectName(QStringLiteral("shiftEnablesDragging"));
     column->addWidget(m_shiftDisables);
     column->addWidget(m_shiftEnables);
+    m_autoLayout->setVisible(features.autoLayout);
+    m_shiftDisables->setVisible(features.dragSnapping);
+    m_shiftEnables->setVisible(features.dragSnapping);
 
     auto* zonesHeading = new QLabel(QStringLiteral("<b>Zones</b>"));
     zonesHeading->setContentsMargins(0, 10, 0, 0);

@@ -28,6 +28,12 @@ class KeyboardShortcutModel;
 class UserPreferences;
 class WindowAreaView;
 
+// The settings of window-manager features this build may not have; only those it has are shown.
+struct WindowManagerPageFeatures {
+    bool dragSnapping = false;
+    bool autoLayout = false;
+};
+
 // The window manager's settings and the zone editor. Every change is written back as a whole new
 // record; a change to the zones also gives the record a new `updated` stamp. Coordinates are stored
 // as typed, even when they do not read: the window manager skips such a zone, and the editor marks
@@ -47,7 +53,8 @@ public:
     static constexpr int kScreenKindCount = 5;
 
     WindowManagerPreferencesPage(UserPreferences& preferences, KeyboardShortcutModel& model,
-                                 const KeyboardLayout& layout, QWidget* parent = nullptr);
+                                 const KeyboardLayout& layout, WindowManagerPageFeatures features = {},
+                                 QWidget* parent = nullptr);
 
     // The zone shown in the editor.
     std::optional<QUuid> selectedZoneId() const { return m_selected; }
