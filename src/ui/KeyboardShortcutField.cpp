@@ -282,6 +282,7 @@ void KeyboardShortcutField::showMessage(const QString& text, bool asking) {
     m_message->setText(text);
     m_message->setVisible(!text.isEmpty());
     m_answers->setVisible(asking);
+    refreshPopover();
     if (m_popover->isVisible())
         m_popover->adjustSize();
 }
@@ -289,7 +290,9 @@ void KeyboardShortcutField::showMessage(const QString& text, bool asking) {
 void KeyboardShortcutField::refreshPopover() {
     const bool nothingHeld =
         !m_model.keyCode() && !m_model.control() && !m_model.alt() && !m_model.command() && !m_model.shift();
-    m_prompt->setVisible(nothingHeld);
+    // A refusal or a question replaces the prompt until the next key.
+    const bool explaining = m_message && !m_message->text().isEmpty();
+    m_prompt->setVisible(nothingHeld && !explaining);
     m_held->setVisible(!nothingHeld);
 }
 
