@@ -1,132 +1,154 @@
-// How long the input tap holds the keyboard. Run on a desktop where the agent is running (make bench
-// does this on a virtual desktop). A window of its own has the focus; XTest sends either a plain key
-// "x", or the bound chord Super+Alt+C followed by "x". The keyboard is frozen while the agent
-// decides about the chord, so "x" arrives only after the verdict was applied: the difference of the
-// two delays is what the tap costs a user. Last, Super+Alt+Down, a chord the agent holds but lets
-// through on a landscape screen (its zone is for portrait screens): the delay until the window gets
-// the replayed key.
-#include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
-#include <xcb/xtest.h>
-#include <xkbcommon/xkbcommon-keysyms.h>
+// What the input tap costs a key that is not for the agent. A window of this program has the focus and
+// XTest plays chords on the same key, Down, in turns:
+//   - Super+Ctrl+Down, which nobody grabs: the base;
+//   - Super+Alt+Down, which the agent grabs but lets through on a landscape screen (its zone is for
+//     portrait screens): the keyboard is frozen until the agent's verdict replays the key;
+//   - Super+Shift+Down, grabbed by replay_grabber, which replays every press at once: the yardstick.
+// Each delay runs from sending the chord to the Down press arriving in the window; the extra delay of
+// a grabbed chord is its delay minus the base of the same round. Last, a swallowed chord
+// (Super+Alt+C, centre) followed by "x": how much later "x" comes than alone, the time the keyboard
+// stays frozen while the agent decides (the action itself runs after the verdict).
+//   tap_latency [PRESSES_EACH]
+#include "child.h"
+#include "desk.h"
+#include "key_window.h"
+#include "results.h"
+#include "samples.h"
 
-#include <algorithm>
-#include <chrono>
+#include <climits>
 #include <cstdio>
-#include <cstdlib>
-#include <vector>
+#include <functional>
+#include <string>
+#include <unistd.h>
+
+using namespace bench;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+constexpr auto kPressTimeout = 1s;
+constexpr auto kBetweenPresses = 3ms; // the releases of one chord are handled before the next
+constexpr int kWarmUp = 10;
 
-struct Desk {
-    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
-    xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
-    xcb_key_symbols_t* symbols = xcb_key_symbols_alloc(c);
-    xcb_window_t window = 0;
+std::string besideThisProgram(const char* name) {
+    char path[PATH_MAX];
+    const auto n = ::readlink("/proc/self/exe", path, sizeof path - 1);
+    if (n <= 0)
+        fail("cannot find where this program is");
+    std::string dir(path, std::size_t(n));
+    return dir.substr(0, dir.rfind('/') + 1) + name;
+}
 
-    xcb_keycode_t code(xcb_keysym_t keysym) {
-        xcb_keycode_t* codes = xcb_key_symbols_get_keycode(symbols, keysym);
-        const xcb_keycode_t k = codes ? codes[0] : 0;
-        std::free(codes);
-        return k;
-    }
-    void fake(std::uint8_t type, xcb_keycode_t key) {
-        xcb_test_fake_input(c, type, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    }
-    void tap(xcb_keycode_t key) {
-        fake(XCB_KEY_PRESS, key);
-        fake(XCB_KEY_RELEASE, key);
-    }
-
-    void openWindow() {
-        window = xcb_generate_id(c);
-        const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_create_window(c, XCB_COPY_FROM_PARENT, window, screen->root, 100, 100, 300, 200, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, XCB_CW_EVENT_MASK, &events);
-        xcb_map_window(c, window);
-        xcb_flush(c);
-        while (auto* e = xcb_wait_for_event(c)) {
-            const bool mapped = (e->response_type & 0x7f) == XCB_MAP_NOTIFY;
-            std::free(e);
-            if (mapped)
-                break;
-        }
-        xcb_set_input_focus(c, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
-        xcb_flush(c);
-    }
-
-    void waitForKey(xcb_keycode_t key) {
-        while (auto* e = xcb_wait_for_event(c)) {
-            const bool got = (e->response_type & 0x7f) == XCB_KEY_PRESS &&
-                             reinterpret_cast<xcb_key_press_event_t*>(e)->detail == key;
-            std::free(e);
-            if (got)
-                break;
-        }
-    }
-
-    // Microseconds from sending the chord Super+Alt+key to the key arriving in the window.
-    double replayed(xcb_keycode_t super, xcb_keycode_t alt, xcb_keycode_t key) {
-        const auto start = Clock::now();
-        fake(XCB_KEY_PRESS, super);
-        fake(XCB_KEY_PRESS, alt);
-        tap(key);
-        fake(XCB_KEY_RELEASE, alt);
-        fake(XCB_KEY_RELEASE, super);
-        xcb_flush(c);
-        waitForKey(key);
-        return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-    }
-
-    // Microseconds from sending to the "x" arriving in the window.
-    double round(bool withChord, xcb_keycode_t super, xcb_keycode_t alt, xcb_keycode_t cKey,
-                 xcb_keycode_t xKey) {
-        const auto start = Clock::now();
-        if (withChord) {
-            fake(XCB_KEY_PRESS, super);
-            fake(XCB_KEY_PRESS, alt);
-            tap(cKey);
-            fake(XCB_KEY_RELEASE, alt);
-            fake(XCB_KEY_RELEASE, super);
-        }
-        tap(xKey);
-        xcb_flush(c);
-        waitForKey(xKey);
-        return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
-    }
-};
-
-void report(const char* name, std::vector<double> samples) {
-    std::sort(samples.begin(), samples.end());
-    const double median = samples[samples.size() / 2];
-    const double p99 = samples[std::min(samples.size() - 1, samples.size() * 99 / 100)];
-    std::printf("%-44s median %8.1f us   p99 %8.1f us   (n=%zu)\n", name, median, p99, samples.size());
+// Milliseconds from sending to `key` reaching the window, once the last chord's releases are through.
+double delay(Desk& d, KeyWindow& window, const std::function<void()>& send, xcb_keycode_t key,
+             const char* what) {
+    d.drainUntil(Clock::now() + kBetweenPresses);
+    const auto ms = window.pressArrives(send, key, kPressTimeout);
+    if (!ms)
+        fail("%s did not reach the focused window within 1 s (focus is on 0x%x)", what, d.focusedWindow());
+    return *ms;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const int presses = argc > 1 ? std::atoi(argv[1]) : 1000;
+    programName = "tap_latency";
+    const int pressesEach = argc > 1 ? std::atoi(argv[1]) : 500;
     Desk d;
-    if (xcb_connection_has_error(d.c)) {
-        std::fprintf(stderr, "tap_latency: no X display\n");
-        return 1;
+    KeyWindow window(d, "velmora-bench keys");
+    const auto super = d.code(XKB_KEY_Super_L), alt = d.code(XKB_KEY_Alt_L),
+               control = d.code(XKB_KEY_Control_L), shift = d.code(XKB_KEY_Shift_L),
+               down = d.code(XKB_KEY_Down), c = d.code(XKB_KEY_c), x = d.code(XKB_KEY_x);
+    constexpr std::uint16_t kSuper = XCB_MOD_MASK_4, kAlt = XCB_MOD_MASK_1;
+
+    if (d.grabbedBySomeone(kSuper | XCB_MOD_MASK_CONTROL, down))
+        fail("Super+Ctrl+Down is grabbed by some client; the base needs a chord nobody grabs");
+    if (d.grabbedBySomeone(kSuper | XCB_MOD_MASK_SHIFT, down))
+        fail("Super+Shift+Down is grabbed by some client; replay_grabber needs it");
+    if (!d.grabbedBySomeone(kSuper | kAlt, down))
+        fail("nobody grabs Super+Alt+Down: is the agent running with its default zones?");
+    Child grabber({besideThisProgram("replay_grabber"), std::to_string(down),
+                   std::to_string(kSuper | XCB_MOD_MASK_SHIFT)});
+    if (grabber.readLine(3000ms) != "grabbed")
+        fail("replay_grabber did not grab Super+Shift+Down within 3 s");
+
+    const Chord base{{super, control}, down}, held{{super, alt}, down}, replayed{{super, shift}, down},
+        centre{{super, alt}, c};
+    Samples baseMs, agentMs, grabberMs, agentExtra, grabberExtra;
+    for (int round = 0; round < kWarmUp + pressesEach; ++round) {
+        double ms[3];
+        // The order turns each round, so no kind always follows the same one.
+        for (int k = 0; k < 3; ++k) {
+            const int kind = (round + k) % 3;
+            const Chord& chord = kind == 0 ? base : kind == 1 ? held : replayed;
+            ms[kind] = delay(
+                d, window, [&] { d.play(chord); }, down,
+                kind == 0   ? "Super+Ctrl+Down"
+                : kind == 1 ? "Super+Alt+Down (held by the agent)"
+                            : "Super+Shift+Down (held by replay_grabber)");
+        }
+        if (round < kWarmUp)
+            continue;
+        baseMs.add(ms[0]);
+        agentMs.add(ms[1]);
+        grabberMs.add(ms[2]);
+        agentExtra.add(ms[1] - ms[0]);
+        grabberExtra.add(ms[2] - ms[0]);
     }
-    d.openWindow();
-    const auto super = d.code(XKB_KEY_Super_L), alt = d.code(XKB_KEY_Alt_L), cKey = d.code(XKB_KEY_c),
-               xKey = d.code(XKB_KEY_x);
-    const auto down = d.code(XKB_KEY_Down);
-    std::vector<double> plain, chord, replay;
-    for (int i = 0; i < presses; ++i) {
-        plain.push_back(d.round(false, super, alt, cKey, xKey));
-        chord.push_back(d.round(true, super, alt, cKey, xKey));
+
+    Samples aloneMs, afterSwallowedMs, swallowedExtra;
+    const auto tapX = [&] { d.play({{}, x}); };
+    const auto centreThenX = [&] {
+        d.play(centre);
+        d.play({{}, x});
+    };
+    for (int round = 0; round < kWarmUp + pressesEach; ++round) {
+        const double alone = delay(d, window, tapX, x, "x");
+        const double after = delay(d, window, centreThenX, x, "x after Super+Alt+C");
+        if (round < kWarmUp)
+            continue;
+        aloneMs.add(alone);
+        afterSwallowedMs.add(after);
+        swallowedExtra.add(after - alone);
     }
-    for (int i = 0; i < presses; ++i)
-        replay.push_back(d.replayed(super, alt, down));
-    report("plain key, no tap involved", plain);
-    report("after a swallowed chord (verdict applied)", chord);
-    report("held chord let through (replayed key)", replay);
+
+    const auto line = [](const char* name, const Samples& s) {
+        std::printf("%-52s median %7.3f ms  p99 %7.3f ms  (n=%zu)\n", name, s.median(), s.p99(), s.size());
+    };
+    line("ungrabbed chord reaches the window", baseMs);
+    line("let-through chord held by the agent", agentMs);
+    line("let-through chord held by replay_grabber", grabberMs);
+    line("  extra delay, agent", agentExtra);
+    line("  extra delay, replay_grabber", grabberExtra);
+    line("key alone", aloneMs);
+    line("key after a swallowed chord (Super+Alt+C)", afterSwallowedMs);
+
+    record({"let-through chord: extra delay",
+            "ms",
+            {agentExtra.median(), agentExtra.p99()},
+            "minimal replaying grabber",
+            Figure{grabberExtra.median(), grabberExtra.p99()},
+            "<0.5 p50",
+            agentExtra.median() < 0.5});
+    record({"let-through chord: press to arrival",
+            "ms",
+            {agentMs.median(), agentMs.p99()},
+            "minimal replaying grabber",
+            Figure{grabberMs.median(), grabberMs.p99()},
+            "",
+            std::nullopt});
+    record({"ungrabbed chord: press to arrival",
+            "ms",
+            {baseMs.median(), baseMs.p99()},
+            "",
+            std::nullopt,
+            "",
+            std::nullopt});
+    record({"swallowed chord: next key held back",
+            "ms",
+            {swallowedExtra.median(), swallowedExtra.p99()},
+            "",
+            std::nullopt,
+            "",
+            std::nullopt});
     return 0;
 }
