@@ -27,7 +27,7 @@ test: setup
 
 bench: setup
 	@[ -f build-bench/build.ninja ] || cmake --preset bench
-	@cmake --build build-bench
+	@nice cmake --build build-bench --target velmora testwin desktop_benches $(notdir $(basename $(wildcard bench/bench_*.cpp)))
 	@for b in build-bench/bench/bench_*; do if [ -f "$$b" ] && [ -x "$$b" ]; then "$$b"; fi; done
 	@tools/bench-desktop build-bench
 

@@ -22,6 +22,7 @@
 #include "platform/x11/X11Workspace.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QFile>
 #include <cstdio>
 #include <xcb/xcb.h>
@@ -121,6 +122,7 @@ std::optional<Platform> makeX11Platform() {
 }
 
 int runAgent(int argc, char** argv) {
+    const qint64 launchedAtMs = QDateTime::currentMSecsSinceEpoch();
     if (!hasX11Display())
         return 1;
     qputenv("QT_QPA_PLATFORM", "xcb");
@@ -145,6 +147,7 @@ int runAgent(int argc, char** argv) {
         return 1;
     }
     AppDelegate delegate(*platform, QProcessEnvironment::systemEnvironment());
+    delegate.setLaunchedAtMs(launchedAtMs);
     ControlCommands commands(delegate);
     ControlServer server(commands);
     QString error;

@@ -52,6 +52,8 @@ public:
     EventTap* eventTap() { return m_eventTap.get(); }
     AccessibilityModel* accessibility() { return m_accessibility.get(); }
     ModuleRegistry* registry() { return m_registry.get(); }
+    // When the process started, if main() knows it: the tap's readiness is counted from there.
+    void setLaunchedAtMs(qint64 ms) { m_createdAtMs = ms; }
     // The notices on the screens while a module's state must be seen (keyboard cleaning).
     const std::vector<std::unique_ptr<ScreenNotice>>& notices() const { return m_notices; }
     // Says briefly on the screen the user works on what could not be done.

@@ -14,7 +14,7 @@ namespace velmora {
 namespace {
 
 constexpr int kFirstToneCheckMs = 1500;
-constexpr int kToneCheckMs = 10000;
+constexpr int kToneCheckMs = 60000;
 
 } // namespace
 
@@ -40,7 +40,8 @@ void MenubarPopover::setUp(QMenu* contextMenu) {
 
     m_systemMonitoringItem = std::make_unique<DynamicStatusItem>("Velmora:SystemMonitoring", appIcon());
 
-    // Soon after the tray embeds the icon, then every ten seconds (a grab of the icon's few pixels).
+    // Soon after the tray embeds the icon, whenever the panel opens, and once a minute: the grab of
+    // the icon's few pixels costs X round trips, and an idle agent should hardly wake.
     connect(&m_toneCheck, &QTimer::timeout, this, &MenubarPopover::followPanelTone);
     QTimer::singleShot(kFirstToneCheckMs, this, &MenubarPopover::followPanelTone);
     m_toneCheck.start(kToneCheckMs);
