@@ -105,9 +105,11 @@ TEST(Settings, AReadOnlySettingsFileRefusesChangesEverywhereAndTheValueSurvivesA
         const auto window = agent.status()["preferencesWindow"];
         EXPECT_TRUE(window["problem"].get<std::string>().find("read-only") != std::string::npos)
             << window["problem"];
-        for (const auto& b : window["buttons"])
-            if (b["title"] == "Enable window switcher")
+        for (const auto& b : window["buttons"]) {
+            if (b["title"] == "Enable window switcher") {
                 EXPECT_TRUE(b["checked"].get<bool>());
+            }
+        }
         EXPECT_TRUE(
             (*agent.json({"prefs", "get", "WindowManagerPreferences"}))["enableWindowSwitcher"].get<bool>());
         EXPECT_EQ(agent.quit(), 0);

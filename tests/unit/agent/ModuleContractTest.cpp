@@ -3,10 +3,10 @@
 #include "FakeAgent.h"
 #include "agent/MenubarPopover.h"
 #include "app/ModuleRegistry.h"
-#include "ui/BriefMessage.h"
-#include "ui/ScreenNotice.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/KeyEvent.h"
+#include "ui/BriefMessage.h"
+#include "ui/ScreenNotice.h"
 #include "windowmanager/WindowManagerModule.h"
 
 #include <QAbstractButton>

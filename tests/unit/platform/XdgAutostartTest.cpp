@@ -91,8 +91,9 @@ TEST(XdgAutostart, TurningOnWritesAnEntryThatStartsThisBinaryAndTurningOffRemove
     EXPECT_TRUE(text.contains("\nExec=" + QCoreApplication::applicationFilePath() + "\n"))
         << text.toStdString();
     EXPECT_TRUE(text.contains("\nX-GNOME-Autostart-enabled=true\n")) << text.toStdString();
-    if (const auto problems = validationProblems(home.entry()))
+    if (const auto problems = validationProblems(home.entry())) {
         EXPECT_EQ(*problems, "");
+    }
 
     // Turning on what is on rewrites the entry in place: no second entry, no temporary file left.
     EXPECT_TRUE(item.setEnabled(true));
@@ -114,8 +115,9 @@ TEST(XdgAutostart, APathTheExecKeyWouldSplitOrExpandIsQuoted) {
     // Quoted for the space, '%' doubled, '$' escaped inside the quotes and that backslash escaped once more.
     EXPECT_TRUE(text.contains("\nExec=\"/opt/My Tools/100%%/velmora\\\\$1\"\n")) << text.toStdString();
     EXPECT_TRUE(text.contains("\nTryExec=/opt/My Tools/100%/velmora$1\n")) << text.toStdString();
-    if (const auto problems = validationProblems(home.entry()))
+    if (const auto problems = validationProblems(home.entry())) {
         EXPECT_EQ(*problems, "");
+    }
 }
 
 TEST(XdgAutostart, TheEntryLivesUnderAnAbsoluteConfigHomeElseUnderHome) {
