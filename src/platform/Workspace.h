@@ -3,7 +3,24 @@
 #include <QImage>
 #include <QString>
 
+#include <optional>
+#include <vector>
+
 namespace velmora {
+
+// An application as the desktop presents it: its desktop entry when one is found.
+struct ApplicationIdentity {
+    std::optional<QString> id;      // the desktop entry's id ("org.gnome.gedit"), else the WM_CLASS class
+    std::optional<QString> fileURL; // "file:///usr/share/applications/org.gnome.gedit.desktop"
+    std::optional<QString> name;    // the entry's localised Name, else the WM_CLASS class
+    QImage icon;                    // the entry's theme icon, else the window's own; may be null
+};
+
+// The application in front and its focused window, at the moment of asking.
+struct FrontmostApplication {
+    ApplicationIdentity application;
+    std::optional<QString> windowTitle;
+};
 
 // The applications behind windows, as the desktop presents them.
 class Workspace {
@@ -13,6 +30,10 @@ public:
     // The icon of the window's application, about size x size pixels: the one the window publishes,
     // else the icon theme's for the application's name; a null image when neither exists.
     virtual QImage applicationIcon(quint32 windowId, const QString& appName, int size) = 0;
+    // The application of the active window; nothing when no window is active.
+    virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
+    // Every application a user could launch (desktop entries not hidden), sorted by name.
+    virtual std::vector<ApplicationIdentity> installedApplications() = 0;
 };
 
 } // namespace velmora

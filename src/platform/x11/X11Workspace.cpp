@@ -76,4 +76,12 @@ QImage X11Workspace::publishedIcon(quint32 windowId, int size) const {
     return image;
 }
 
+std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
+    return std::nullopt;
+}
+
+std::vector<ApplicationIdentity> X11Workspace::installedApplications() {
+    return {};
+}
+
 } // namespace velmora

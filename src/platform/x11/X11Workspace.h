@@ -19,6 +19,8 @@ public:
     X11Workspace(X11Connection connection, X11EventHub& hub);
 
     QImage applicationIcon(quint32 windowId, const QString& appName, int size) override;
+    std::optional<FrontmostApplication> frontmostApplication() override;
+    std::vector<ApplicationIdentity> installedApplications() override;
 
 private:
     QImage publishedIcon(quint32 windowId, int size) const;

@@ -1,0 +1,3 @@
+#include "clipboard/ClipboardLog.h"
+
+Q_LOGGING_CATEGORY(lcClipboard, "velmora.clipboard", QtInfoMsg)

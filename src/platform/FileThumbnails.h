@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+namespace velmora {
+
+// A picture of a file's content and the content's natural size.
+struct FileThumbnail {
+    QImage image;
+    QSize naturalSize;
+};
+
+// Pictures of files as the desktop makes them. Both calls may take long (a video is opened, a PDF
+// rendered): call them off the main thread.
+class FileThumbnails {
+public:
+    virtual ~FileThumbnails() = default;
+
+    // The content of an image, video or PDF file, scaled to fit target x target; nothing when the file
+    // cannot be read or decoded.
+    virtual std::optional<FileThumbnail> contentThumbnail(const QString& path, int target) = 0;
+    // The icon the desktop shows for the file's type, about size x size; a null image when none.
+    virtual QImage fileTypeIcon(const QString& path, int size) = 0;
+};
+
+} // namespace velmora
