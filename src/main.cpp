@@ -6,11 +6,14 @@
 #include "agent/ControlCommands.h"
 #include "agent/ControlServer.h"
 #include "app/LogRouter.h"
+#include "platform/linux/DesktopEntries.h"
+#include "platform/linux/LinuxFileThumbnails.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/XdgAutostart.h"
 #include "platform/x11/X11Accessibility.h"
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventHub.h"
 #include "platform/x11/X11InputTap.h"
@@ -24,6 +27,7 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QFile>
+#include <QIcon>
 #include <cstdio>
 #include <xcb/xcb.h>
 
@@ -117,7 +121,11 @@ std::optional<Platform> makeX11Platform() {
     platform.windowServer = std::move(windowServer);
     platform.loginItem = std::make_unique<XdgAutostart>();
     if (auto forIcons = X11Connection::borrowApplication())
-        platform.workspace = std::make_unique<X11Workspace>(std::move(*forIcons), *hub);
+        platform.workspace =
+            std::make_unique<X11Workspace>(std::move(*forIcons), *hub, std::make_unique<DesktopEntries>());
+    if (auto forClipboard = X11Connection::open())
+        platform.pasteboard = std::make_unique<X11Clipboard>(std::move(*forClipboard));
+    platform.fileThumbnails = std::make_unique<LinuxFileThumbnails>();
     return platform;
 }
 
@@ -131,6 +139,9 @@ int runAgent(int argc, char** argv) {
     QApplication::setOrganizationName("Velmora");
     QApplication::setApplicationVersion(kVersion);
     QApplication::setQuitOnLastWindowClosed(false);
+    // A bare window manager sets no icon theme, and hicolor alone has no file type or application icons.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == "hicolor")
+        QIcon::setThemeName("Adwaita");
 
     if (const auto running = ControlClient::request({"status"}, 1000); running && running->ok) {
         const std::string display = running->result.value("display", std::string());

@@ -2,6 +2,9 @@
 
 #include "platform/Screens.h"
 
+#include "clipboard/AppModelContainer.h"
+#include "clipboard/ClipboardHistoryModule.h"
+#include "clipboard/ClipboardLog.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/MainThread.h"
 #include "ui/BriefMessage.h"
@@ -13,6 +16,7 @@
 #include "ui/ScreenNotice.h"
 #include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
+#include "ui/clipboard/ClipboardHistoryScreens.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
 #include "windowmanager/WindowManagerModule.h"
 
@@ -20,6 +24,7 @@
 #include <QDateTime>
 #include <QMenu>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QTimer>
 
 namespace velmora {
@@ -44,6 +49,7 @@ AppDelegate::~AppDelegate() {
 // Start-up, in its fixed order. A module starts at its own place in it.
 void AppDelegate::applicationDidFinishLaunching() {
     assertMainThread("AppDelegate::applicationDidFinishLaunching");
+    openClipboardStore();
     // A design-time preview host must get no status items, timers or input tap.
     if (m_environment.value("XCODE_RUNNING_FOR_PREVIEWS") == "1") {
         m_startupSteps << "previewHostStop";
@@ -54,6 +60,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     createModules();
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
+    startModule(*module<ClipboardHistoryModule>(), "clipboardWatcher");
     showWelcomeWindowIfNeeded();
 }
 
@@ -65,6 +72,18 @@ void AppDelegate::applicationWillTerminate() {
     if (m_eventTap)
         m_eventTap->invalidate();
     // Preferences are written as they change; nothing else is held that must outlive the process.
+}
+
+// The history's store comes first: everything that records or shows a copy reads it. When it cannot be
+// opened the agent runs on without a history, and says so.
+void AppDelegate::openClipboardStore() {
+    auto store = std::make_unique<AppModelContainer>(
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Velmora");
+    if (store->open())
+        m_clipboardStore = std::move(store);
+    else
+        qCCritical(lcClipboard).noquote() << "The clipboard history cannot be kept:" << store->errorString();
+    m_startupSteps << "clipboardStore";
 }
 
 void AppDelegate::createPreferences() {
@@ -122,6 +141,8 @@ void AppDelegate::createModules() {
     auto& windowManager = addModule<WindowManagerModule>();
     addModule<WindowManagerScreens>(windowManager);
     addModule<KeyboardCleaningModule>();
+    auto& clipboardHistory = addModule<ClipboardHistoryModule>(m_clipboardStore.get());
+    addModule<ClipboardHistoryScreens>(clipboardHistory);
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);

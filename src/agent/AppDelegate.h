@@ -25,6 +25,7 @@ class QMenu;
 
 namespace velmora {
 
+class AppModelContainer;
 class BriefMessage;
 class ScreenNotice;
 
@@ -76,6 +77,7 @@ public:
     void quit();
 
 private:
+    void openClipboardStore();
     void createPreferences();
     void createStatusItems();
     void createModules();
@@ -97,6 +99,8 @@ private:
     LogRouter m_logRouter{m_logging};
     AppActionDispatcher m_dispatcher;
     ActionProviders m_providers;
+    // Declared before the modules that use it, so it outlives them.
+    std::unique_ptr<AppModelContainer> m_clipboardStore;
     std::unique_ptr<UserPreferences> m_preferences;
     std::unique_ptr<MenubarPopover> m_menubarPopover;
     std::unique_ptr<QMenu> m_contextMenu;

@@ -44,6 +44,13 @@ int ControlClient::run(const QStringList& args) {
         std::fprintf(stderr, "velmora: %s\n", answer->error.toUtf8().constData());
         return 1;
     }
+    // Bytes of a clipboard entry go out as they are, for redirecting into a file or another program.
+    if (answer->result.is_object() && answer->result.size() == 1 && answer->result.contains("stdoutBase64")) {
+        const QByteArray bytes = QByteArray::fromBase64(
+            QByteArray::fromStdString(answer->result["stdoutBase64"].get<std::string>()));
+        std::fwrite(bytes.constData(), 1, bytes.size(), stdout);
+        return 0;
+    }
     std::puts(answer->result.dump(2).c_str());
     return 0;
 }

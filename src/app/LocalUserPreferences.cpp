@@ -44,6 +44,7 @@ const QStringList& LocalUserPreferences::keys() {
                                "DeveloperLogsEnabled",
                                "WindowManagerEnabled",
                                "ClipboardHistoryEnabled",
+                               "ClipboardKeepsCopiesOfClosedApps",
                                "AutoUpdateLastCheckTime"};
     return k;
 }
@@ -67,6 +68,8 @@ QVariant LocalUserPreferences::value(const QString& key) const {
         return windowManagerEnabled();
     if (key == "ClipboardHistoryEnabled")
         return clipboardHistoryEnabled();
+    if (key == "ClipboardKeepsCopiesOfClosedApps")
+        return clipboardKeepsCopiesOfClosedApps();
     if (key == "AutoUpdateLastCheckTime")
         return autoUpdateLastCheckTime();
     return {};

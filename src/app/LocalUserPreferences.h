@@ -22,6 +22,13 @@ public:
     bool setWindowManagerEnabled(bool on) { return store("WindowManagerEnabled", on); }
     bool clipboardHistoryEnabled() const { return boolValue("ClipboardHistoryEnabled", true); }
     bool setClipboardHistoryEnabled(bool on) { return store("ClipboardHistoryEnabled", on); }
+    // When a program that copied something exits, its copy stays on the clipboard (taken over by Velmora).
+    bool clipboardKeepsCopiesOfClosedApps() const {
+        return boolValue("ClipboardKeepsCopiesOfClosedApps", true);
+    }
+    bool setClipboardKeepsCopiesOfClosedApps(bool on) {
+        return store("ClipboardKeepsCopiesOfClosedApps", on);
+    }
     double autoUpdateLastCheckTime() const;
     bool setAutoUpdateLastCheckTime(double seconds) { return store("AutoUpdateLastCheckTime", seconds); }
 

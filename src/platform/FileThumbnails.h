@@ -14,8 +14,9 @@ struct FileThumbnail {
     QSize naturalSize;
 };
 
-// Pictures of files as the desktop makes them. Both calls may take long (a video is opened, a PDF
-// rendered): call them off the main thread.
+// Pictures of files as the desktop makes them. contentThumbnail() may take long (a video is opened, a
+// PDF rendered): call it off the main thread. fileTypeIcon() reads the icon theme, whose caches belong
+// to the main thread: call it there.
 class FileThumbnails {
 public:
     virtual ~FileThumbnails() = default;

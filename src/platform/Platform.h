@@ -3,9 +3,11 @@
 #include "platform/Accessibility.h"
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
+#include "platform/FileThumbnails.h"
 #include "platform/InputTap.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/LoginItem.h"
+#include "platform/Pasteboard.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
 #include "platform/WindowServer.h"
@@ -30,6 +32,8 @@ struct Platform {
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<Pasteboard> pasteboard;
+    std::unique_ptr<FileThumbnails> fileThumbnails;
 };
 
 } // namespace velmora

@@ -34,6 +34,14 @@ public:
     virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
     // Every application a user could launch (desktop entries not hidden), sorted by name.
     virtual std::vector<ApplicationIdentity> installedApplications() = 0;
+    // The application a desktop entry file describes, for a user who picks the file by hand; nothing,
+    // with the reason in *error, when the file is not a launchable application's entry.
+    virtual std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) {
+        Q_UNUSED(path);
+        if (error)
+            *error = "this desktop has no application entries";
+        return std::nullopt;
+    }
 };
 
 } // namespace velmora

@@ -32,6 +32,7 @@ public:
     // DISPLAY plus XDG directories of the test's own, so nothing touches the user's files.
     QProcessEnvironment environment() const;
     QString configDir() const { return m_home.path() + "/config"; }
+    QString dataDir() const { return m_home.path() + "/data"; }
 
     struct Output {
         int exitCode = -1;

@@ -1,10 +1,18 @@
-// testwin [--title T] [--size WxH] [--min-size WxH] [--grab-super-alt KEY]: a plain window for the
-// desktop tests. Every key it receives is printed on standard output as "key <qt key> <modifiers>
-// <text>", every click as "click <x> <y>". --grab-super-alt plays another program that owns a
-// global shortcut: it grabs Super+Alt+KEY (a keysym name such as "f") on the root window.
+// testwin [--title T] [--size WxH] [--min-size WxH] [--grab-super-alt KEY] [--copy TYPE=FILE ...]
+// [--copy-burst N [--burst-gap-ms MS]]: a plain window for the desktop tests. Every key it receives is
+// printed on standard output as "key <qt key> <modifiers> <text>", every click as "click <x> <y>".
+// --grab-super-alt plays another program that owns a global shortcut: it grabs Super+Alt+KEY (a keysym name
+// such as "f") on the root window.
+// --copy plays a program that copies: it puts one clipboard content with each TYPE holding the bytes of
+// FILE ("text/plain=-" reads standard input) and prints "copied"; it owns the clipboard until it exits.
+// --copy-burst copies "burst 1" ... "burst N", one copy every MS milliseconds, and prints "burst done".
 #include <QApplication>
+#include <QClipboard>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QTimer>
 #include <QWidget>
 #include <cstdio>
 #include <xcb/xcb.h>
@@ -38,6 +46,36 @@ bool grabSuperAlt(const QString& keyName) {
     return ok; // the connection stays open for the life of the process, and the grabs with it
 }
 
+void copy(const QStringList& specs) {
+    auto* data = new QMimeData();
+    for (const QString& spec : specs) {
+        const QString type = spec.section('=', 0, 0);
+        const QString path = spec.section('=', 1);
+        QFile file;
+        const bool opened = path == "-" ? file.open(stdin, QIODevice::ReadOnly)
+                                        : (file.setFileName(path), file.open(QIODevice::ReadOnly));
+        if (opened)
+            data->setData(type, file.readAll());
+    }
+    QGuiApplication::clipboard()->setMimeData(data);
+    std::printf("copied\n");
+    std::fflush(stdout);
+}
+
+void burst(int count, int gapMs) {
+    auto* timer = new QTimer(qApp);
+    timer->setInterval(gapMs);
+    QObject::connect(timer, &QTimer::timeout, [timer, count, n = 0]() mutable {
+        QGuiApplication::clipboard()->setText(QString("burst %1").arg(++n));
+        if (n == count) {
+            timer->stop();
+            std::printf("burst done\n");
+            std::fflush(stdout);
+        }
+    });
+    timer->start();
+}
+
 class TestWindow : public QWidget {
 protected:
     void keyPressEvent(QKeyEvent* e) override {
@@ -59,7 +97,10 @@ int main(int argc, char** argv) {
     parser.addOptions({{"title", "window title", "title", "testwin"},
                        {"size", "initial size WxH", "size", "400x300"},
                        {"min-size", "minimum size WxH", "min", ""},
-                       {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""}});
+                       {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""},
+                       {"copy", "put TYPE=FILE on the clipboard", "spec"},
+                       {"copy-burst", "copy N texts in a row", "n", "0"},
+                       {"burst-gap-ms", "time between two copies of a burst", "ms", "10"}});
     parser.process(app);
     if (parser.isSet("grab-super-alt") && grabSuperAlt(parser.value("grab-super-alt"))) {
         std::printf("grabbed\n");
@@ -71,5 +112,9 @@ int main(int argc, char** argv) {
     if (parser.isSet("min-size"))
         w.setMinimumSize(parseSize(parser.value("min-size"), {0, 0}));
     w.show();
+    if (parser.isSet("copy"))
+        QTimer::singleShot(0, [&parser] { copy(parser.values("copy")); });
+    if (const int n = parser.value("copy-burst").toInt(); n > 0)
+        QTimer::singleShot(0, [n, &parser] { burst(n, parser.value("burst-gap-ms").toInt()); });
     return app.exec();
 }

@@ -4,9 +4,11 @@
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeDesktop.h"
+#include "platform/fake/FakeFileThumbnails.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItem.h"
+#include "platform/fake/FakePasteboard.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
 #include "platform/fake/FakeWorkspace.h"
@@ -24,6 +26,8 @@ struct FakePlatform {
     FakeInputTap* inputTap;
     FakeLoginItem* loginItem;
     FakeWorkspace* workspace;
+    FakePasteboard* pasteboard;
+    FakeFileThumbnails* fileThumbnails;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -51,6 +55,12 @@ struct FakePlatform {
         auto w = std::make_unique<FakeWorkspace>();
         workspace = w.get();
         platform.workspace = std::move(w);
+        auto pb = std::make_unique<FakePasteboard>();
+        pasteboard = pb.get();
+        platform.pasteboard = std::move(pb);
+        auto ft = std::make_unique<FakeFileThumbnails>();
+        fileThumbnails = ft.get();
+        platform.fileThumbnails = std::move(ft);
     }
 };
 

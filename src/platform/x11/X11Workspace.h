@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/ApplicationEntries.h"
 #include "platform/Workspace.h"
 #include "platform/x11/X11Connection.h"
 
 #include <QHash>
 #include <QObject>
+#include <memory>
 
 namespace velmora {
 
@@ -13,20 +15,51 @@ class X11EventHub;
 // Application icons from _NET_WM_ICON (the size nearest the one asked for, never a smaller one when a
 // larger exists), else the icon theme's for the WM_CLASS name. Kept per window until the window
 // changes its icon, so that opening the switcher again costs no X traffic.
+//
+// The frontmost application is the active window's entry among the installed applications, else its
+// WM_CLASS. What it needs of a window (pid, WM_CLASS, type, title) is read once, in one round trip,
+// and kept until the hub reports a change, so that asking on every copy costs nothing while the user
+// stays in one window. Without `entries` every application is known by its WM_CLASS alone.
 class X11Workspace final : public QObject, public Workspace {
     Q_OBJECT
 public:
-    X11Workspace(X11Connection connection, X11EventHub& hub);
+    X11Workspace(X11Connection connection, X11EventHub& hub,
+                 std::unique_ptr<ApplicationEntries> entries = {});
 
     QImage applicationIcon(quint32 windowId, const QString& appName, int size) override;
+    // Its icon is 64 x 64 pixels when there is one.
     std::optional<FrontmostApplication> frontmostApplication() override;
+    // Their icons are 32 x 32 pixels, for a list.
     std::vector<ApplicationIdentity> installedApplications() override;
+    std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) override;
 
 private:
+    struct WindowFacts {
+        qint32 pid = 0;
+        QString wmInstance;
+        QString wmClass;
+        bool isDesktop = false;
+        std::optional<QString> title;
+        bool titleStale = false;
+        std::optional<ApplicationIdentity> identity;
+        quint64 entriesGeneration = 0;
+    };
+
+    void windowPropertyChanged(xcb_window_t window, xcb_atom_t property);
+    std::optional<xcb_window_t> activeWindow();
+    bool read(xcb_window_t window, WindowFacts& facts, bool titleOnly);
+    ApplicationIdentity identify(xcb_window_t window, const WindowFacts& facts);
     QImage publishedIcon(quint32 windowId, int size) const;
 
     X11Connection m_x;
+    X11EventHub& m_hub;
+    xcb_atom_t m_iconAtom = XCB_ATOM_NONE;
+    xcb_atom_t m_desktopType = XCB_ATOM_NONE;
+    std::unique_ptr<ApplicationEntries> m_entries;
     QHash<quint32, QImage> m_icons;
+    std::optional<xcb_window_t> m_active;
+    bool m_activeStale = true;
+    QHash<xcb_window_t, WindowFacts> m_windows;
 };
 
 } // namespace velmora

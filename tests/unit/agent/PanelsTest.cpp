@@ -98,7 +98,8 @@ TEST(AppDelegate, StartsInItsFixedOrder) {
     AppDelegate app(fake.platform, QProcessEnvironment());
     app.applicationDidFinishLaunching();
     EXPECT_EQ(app.startupSteps(),
-              QStringList({"preferences", "statusItems", "permissionPoll", "windowCache", "welcome"}));
+              QStringList({"clipboardStore", "preferences", "statusItems", "permissionPoll", "windowCache",
+                           "clipboardWatcher", "welcome"}));
     ASSERT_TRUE(app.menubarPopover());
     EXPECT_EQ(app.menubarPopover()->mainStatusItem()->autosaveName(), "Velmora");
     EXPECT_EQ(app.menubarPopover()->systemMonitoringItem()->autosaveName(), "Velmora:SystemMonitoring");
@@ -111,7 +112,7 @@ TEST(AppDelegate, PreviewHostStartsNothing) {
     env.insert("XCODE_RUNNING_FOR_PREVIEWS", "1");
     AppDelegate app(fake.platform, env);
     app.applicationDidFinishLaunching();
-    EXPECT_EQ(app.startupSteps(), QStringList({"previewHostStop"}));
+    EXPECT_EQ(app.startupSteps(), QStringList({"clipboardStore", "previewHostStop"}));
     EXPECT_FALSE(app.preferences());
     EXPECT_FALSE(app.menubarPopover());
     EXPECT_FALSE(fake.defaults->value("UserId"));
