@@ -50,9 +50,10 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
     EXPECT_EQ(status["version"], "0.1.0");
     EXPECT_EQ(status["pid"].get<qint64>(), agent.process()->processId());
     EXPECT_TRUE(status["platform"]["usable"].get<bool>()) << status.dump();
-    EXPECT_EQ(status["startup"],
-              AgentUnderTest::Json::parse(
-                  R"(["preferences","statusItems","permissionPoll","windowCache","welcome"])"));
+    EXPECT_EQ(
+        status["startup"],
+        AgentUnderTest::Json::parse(
+            R"(["clipboardStore","preferences","statusItems","permissionPoll","windowCache","clipboardWatcher","welcome"])"));
     EXPECT_FALSE(status["monitoringItem"]["visible"].get<bool>());
 }
 

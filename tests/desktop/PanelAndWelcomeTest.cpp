@@ -127,7 +127,7 @@ TEST(StartUp, PreviewHostStartsNothing) {
     AgentUnderTest client(desktop);
     ASSERT_TRUE(waitUntil([&] { return client.json({"status"}).has_value(); }));
     const auto status = client.status();
-    EXPECT_EQ(status["startup"], Json::parse(R"(["previewHostStop"])"));
+    EXPECT_EQ(status["startup"], Json::parse(R"(["clipboardStore","previewHostStop"])"));
     EXPECT_FALSE(status.contains("statusItem"));
     EXPECT_FALSE(status.contains("welcomeWindow"));
     client.command({"quit"});
