@@ -4,6 +4,7 @@
 #include "app/UserPreferences.h"
 #include "platform/LoginItem.h"
 #include "ui/AppIcon.h"
+#include "ui/HintLabel.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -14,13 +15,6 @@
 namespace velmora {
 
 namespace {
-
-QLabel* hint(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
 
 QWidget* aboutSection() {
     auto* about = new QWidget();
@@ -36,8 +30,9 @@ QWidget* aboutSection() {
     version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     grid->addWidget(version, 1, 1);
     grid->addWidget(
-        hint("Desktop tools behind one tray icon: window zones by keyboard, a window switcher and "
-             "keyboard cleaning, for X11 desktops."),
+        hintLabel(
+            "Desktop tools behind one tray icon: window zones by keyboard, a window switcher, a clipboard "
+            "history and keyboard cleaning, for X11 desktops."),
         2, 1);
     grid->setColumnStretch(1, 1);
     return about;

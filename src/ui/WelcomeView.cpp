@@ -28,6 +28,7 @@ WelcomeView::WelcomeView(std::function<void()> onGetStarted, QWidget* parent) : 
                             "&bull; Snap windows into zones with keyboard shortcuts; press again to cycle<br>"
                             "&bull; Centre a window, make it 16:9 or send it to the next screen<br>"
                             "&bull; Switch windows with Alt+Tab, searching by name<br>"
+                            "&bull; Keep every copy in a clipboard history, with where it came from<br>"
                             "&bull; Clean your keyboard without unplugging it");
     text->setWordWrap(true);
     layout->addWidget(text, 1);

@@ -5,6 +5,7 @@
 #include "core/PreferenceChecks.h"
 #include "platform/Workspace.h"
 #include "ui/ApplicationPicker.h"
+#include "ui/HintLabel.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -19,17 +20,6 @@
 #include <QVBoxLayout>
 
 namespace velmora {
-
-namespace {
-
-QLabel* hint(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
-
-} // namespace
 
 ClipboardHistoryPreferencesPage::ClipboardHistoryPreferencesPage(UserPreferences& preferences,
                                                                  Workspace& workspace,
@@ -82,12 +72,13 @@ ClipboardHistoryPreferencesPage::ClipboardHistoryPreferencesPage(UserPreferences
     m_clear = new QPushButton("Clear all history");
     m_clear->setObjectName("clearHistory");
     clearRow->addWidget(m_clear);
-    m_cleared = hint("");
+    m_cleared = hintLabel("");
     clearRow->addWidget(m_cleared, 1);
     layout->addLayout(clearRow);
     if (!m_store)
-        layout->addWidget(hint("The history's store could not be opened, so nothing is recorded in this run. "
-                               "The log says why."));
+        layout->addWidget(
+            hintLabel("The history's store could not be opened, so nothing is recorded in this run. "
+                      "The log says why."));
     layout->addStretch(1);
 
     showValues();

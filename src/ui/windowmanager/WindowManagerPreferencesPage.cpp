@@ -4,6 +4,7 @@
 #include "core/DefaultValues.h"
 #include "core/ShortcutUse.h"
 #include "core/ZoneNumber.h"
+#include "ui/HintLabel.h"
 #include "ui/KeyboardShortcutField.h"
 #include "ui/UndoBar.h"
 #include "ui/windowmanager/WindowAreaView.h"
@@ -72,13 +73,6 @@ int rowOf(const std::vector<WindowArea>& areas, const std::optional<QUuid>& id) 
     const auto found =
         std::find_if(areas.begin(), areas.end(), [&](const WindowArea& a) { return a.id == *id; });
     return found == areas.end() ? -1 : int(found - areas.begin());
-}
-
-QLabel* hint(const QString& text) {
-    auto* label = new QLabel(text);
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
 }
 
 } // namespace
@@ -252,7 +246,7 @@ QWidget* WindowManagerPreferencesPage::makeEditor(KeyboardShortcutModel& model,
         });
     }
     numbers->addLayout(grid);
-    auto* help = hint(QString::fromUtf8(kCoordinateHelp));
+    auto* help = hintLabel(QString::fromUtf8(kCoordinateHelp));
     help->setObjectName(QStringLiteral("coordinateHelp"));
     help->setWordWrap(false);
     numbers->addWidget(help);
@@ -312,8 +306,9 @@ QWidget* WindowManagerPreferencesPage::makeEditor(KeyboardShortcutModel& model,
     shortcutRow->addWidget(shortcutLabel);
     shortcutRow->addWidget(m_shortcut, 1);
     form->addLayout(shortcutRow);
-    form->addWidget(hint(QStringLiteral("Zones that share a shortcut take turns: pressing it again moves the "
-                                        "window to the next of them.")));
+    form->addWidget(
+        hintLabel(QStringLiteral("Zones that share a shortcut take turns: pressing it again moves the "
+                                 "window to the next of them.")));
     form->addStretch(1);
     return m_editor;
 }
