@@ -112,9 +112,11 @@ int main(int argc, char** argv) {
     if (parser.isSet("min-size"))
         w.setMinimumSize(parseSize(parser.value("min-size"), {0, 0}));
     w.show();
+    // Copies are made once the window is up, as a person would make them: from a window that is shown.
+    constexpr int kShownMs = 300;
     if (parser.isSet("copy"))
-        QTimer::singleShot(0, [&parser] { copy(parser.values("copy")); });
+        QTimer::singleShot(kShownMs, [&parser] { copy(parser.values("copy")); });
     if (const int n = parser.value("copy-burst").toInt(); n > 0)
-        QTimer::singleShot(0, [n, &parser] { burst(n, parser.value("burst-gap-ms").toInt()); });
+        QTimer::singleShot(kShownMs, [n, &parser] { burst(n, parser.value("burst-gap-ms").toInt()); });
     return app.exec();
 }

@@ -184,7 +184,7 @@ void X11SelectionWorker::handle(xcb_generic_event_t* e) {
 
 void X11SelectionWorker::readContent(xcb_timestamp_t ownedSince) {
     m_ownerChangedWhileReading = false;
-    const auto targets = convert(m_x.atom("TARGETS"), ownedSince);
+    const auto targets = convert(m_x.atom("TARGETS"), ownedSince, kFirstAnswerTimeout);
     if (m_ownerChangedWhileReading)
         return; // a newer copy replaced this one before it could be read; the newer one is read next
     QStringList offered;
@@ -230,12 +230,13 @@ QStringList X11SelectionWorker::atomNames(const std::vector<xcb_atom_t>& atoms) 
     return names;
 }
 
-std::optional<QByteArray> X11SelectionWorker::convert(xcb_atom_t target, xcb_timestamp_t time) {
+std::optional<QByteArray> X11SelectionWorker::convert(xcb_atom_t target, xcb_timestamp_t time,
+                                                      std::chrono::milliseconds timeout) {
     xcb_connection_t* c = m_x.connection();
     xcb_delete_property(c, m_window, m_property);
     xcb_convert_selection(c, m_window, m_clipboard, target, m_property, time);
     xcb_flush(c);
-    const auto deadline = Clock::now() + kTargetTimeout;
+    const auto deadline = Clock::now() + timeout;
     XcbPtr<xcb_generic_event_t> notify(waitFor(
         [&](xcb_generic_event_t* e) {
             if (typeOf(e) != XCB_SELECTION_NOTIFY)
@@ -249,7 +250,7 @@ std::optional<QByteArray> X11SelectionWorker::convert(xcb_atom_t target, xcb_tim
         deadline));
     if (!notify) {
         if (!m_ownerChangedWhileReading && !m_x.hasError())
-            qCWarning(lcX11) << "The clipboard's owner did not answer within" << kTargetTimeout.count()
+            qCWarning(lcX11) << "The clipboard's owner did not answer within" << timeout.count()
                              << "ms; the type is left out:"
                              << (m_names.count(target) ? m_names[target] : QString::number(target));
         return std::nullopt;

@@ -41,6 +41,9 @@ public:
     void own(std::vector<PasteboardItem> items);
 
     static constexpr std::chrono::milliseconds kTargetTimeout{1000};
+    // The first question to a new owner waits longer: a program that copies while it starts up may
+    // not serve its clipboard until its start-up is done.
+    static constexpr std::chrono::milliseconds kFirstAnswerTimeout{3000};
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -54,7 +57,8 @@ private:
 
     // Reading.
     void readContent(xcb_timestamp_t ownedSince);
-    std::optional<QByteArray> convert(xcb_atom_t target, xcb_timestamp_t time);
+    std::optional<QByteArray> convert(xcb_atom_t target, xcb_timestamp_t time,
+                                      std::chrono::milliseconds timeout = kTargetTimeout);
     std::optional<QByteArray> readIncrementally(Clock::time_point deadline);
     xcb_generic_event_t* waitFor(const std::function<bool(xcb_generic_event_t*)>& wanted,
                                  Clock::time_point deadline);

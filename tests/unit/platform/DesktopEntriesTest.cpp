@@ -6,25 +6,13 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include "ScopedEnv.h"
 #include <sys/time.h>
 
 using namespace velmora;
 
 namespace {
-
-// Sets environment variables for one test and puts back what was there.
-struct ScopedEnv {
-    std::vector<std::pair<const char*, std::optional<QByteArray>>> saved;
-    void set(const char* name, const QByteArray& value) {
-        saved.emplace_back(name,
-                           qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
-        qputenv(name, value);
-    }
-    ~ScopedEnv() {
-        for (auto it = saved.rbegin(); it != saved.rend(); ++it)
-            it->second ? qputenv(it->first, *it->second) : qunsetenv(it->first);
-    }
-};
 
 // A private search path: the user's folder, then two system folders.
 struct DataDirs {

@@ -9,23 +9,11 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include "ScopedEnv.h"
+
 using namespace velmora;
 
 namespace {
-
-// Sets environment variables for one test and puts back what was there.
-struct ScopedEnv {
-    std::vector<std::pair<const char*, std::optional<QByteArray>>> saved;
-    void set(const char* name, const QByteArray& value) {
-        saved.emplace_back(name,
-                           qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
-        qputenv(name, value);
-    }
-    ~ScopedEnv() {
-        for (auto it = saved.rbegin(); it != saved.rend(); ++it)
-            it->second ? qputenv(it->first, *it->second) : qunsetenv(it->first);
-    }
-};
 
 // A private XDG_CONFIG_HOME in which the autostart folder does not exist yet.
 struct ConfigHome {
