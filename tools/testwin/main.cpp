@@ -46,11 +46,11 @@ bool grabSuperAlt(const QString& keyName) {
     return ok; // the connection stays open for the life of the process, and the grabs with it
 }
 
-void copy(const QStringList& specs) {
+void copy(const QStringList& entries) {
     auto* data = new QMimeData();
-    for (const QString& spec : specs) {
-        const QString type = spec.section('=', 0, 0);
-        const QString path = spec.section('=', 1);
+    for (const QString& entry : entries) {
+        const QString type = entry.section('=', 0, 0);
+        const QString path = entry.section('=', 1);
         QFile file;
         const bool opened = path == "-" ? file.open(stdin, QIODevice::ReadOnly)
                                         : (file.setFileName(path), file.open(QIODevice::ReadOnly));
@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
                        {"size", "initial size WxH", "size", "400x300"},
                        {"min-size", "minimum size WxH", "min", ""},
                        {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""},
-                       {"copy", "put TYPE=FILE on the clipboard", "spec"},
+                       {"copy", "put TYPE=FILE on the clipboard", "entry"},
                        {"copy-burst", "copy N texts in a row", "n", "0"},
                        {"burst-gap-ms", "time between two copies of a burst", "ms", "10"}});
     parser.process(app);

@@ -49,7 +49,7 @@ QString folderProblem(const QString& folder, const QString& fallback) {
 XdgAutostart::XdgAutostart(QString program) : m_program(std::move(program)) {}
 
 QString XdgAutostart::entryPath() {
-    // The base directory specification ignores a relative XDG_CONFIG_HOME.
+    // A relative XDG_CONFIG_HOME is ignored, as the XDG base directory rules say.
     QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (config.isEmpty() || QDir::isRelativePath(config))
         config = QDir::homePath() + "/.config";
