@@ -7,6 +7,7 @@
 #include "agent/ControlServer.h"
 #include "app/LogRouter.h"
 #include "platform/linux/DesktopEntries.h"
+#include "platform/linux/FreedesktopOpener.h"
 #include "platform/linux/LinuxFileThumbnails.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
@@ -126,6 +127,7 @@ std::optional<Platform> makeX11Platform() {
     if (auto forClipboard = X11Connection::open())
         platform.pasteboard = std::make_unique<X11Clipboard>(std::move(*forClipboard));
     platform.fileThumbnails = std::make_unique<LinuxFileThumbnails>();
+    platform.opener = std::make_unique<FreedesktopOpener>();
     return platform;
 }
 

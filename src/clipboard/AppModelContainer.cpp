@@ -404,6 +404,7 @@ bool AppModelContainer::persistItem(SimpleClipboardItem& item) {
         return false;
     }
     files.keep();
+    emit itemAdded(item);
     emit changed();
     return true;
 }
@@ -518,6 +519,7 @@ bool AppModelContainer::deleteItems(const QList<QUuid>& ids, const char* functio
         return false;
     }
     m_storage.remove(files);
+    emit itemsRemoved(ids);
     emit changed();
     return true;
 }
@@ -565,6 +567,7 @@ bool AppModelContainer::deleteAll() {
         return false;
     }
     m_storage.remove(*files);
+    emit allRemoved();
     emit changed();
     return true;
 }
@@ -671,6 +674,25 @@ std::optional<SimpleClipboardItem> AppModelContainer::item(const QUuid& id) cons
     loadExternals(found->item, *found);
     found->item.payload = loadPayload(id);
     return std::move(found->item);
+}
+
+std::vector<SimpleClipboardItem> AppModelContainer::itemsWithIds(const std::vector<QUuid>& ids) const {
+    std::vector<SimpleClipboardItem> result;
+    QString error;
+    for (const QUuid& id : ids) {
+        auto found = row(id, &error);
+        if (!found) {
+            if (!error.isEmpty())
+                qCWarning(lcClipboard).noquote() << QStringLiteral("itemsWithIds(): %1").arg(error);
+            continue;
+        }
+        if (found->plainTextFile) {
+            if (const auto text = readExternal(*found->plainTextFile))
+                found->item.plainText = QString::fromUtf8(*text);
+        }
+        result.push_back(std::move(found->item));
+    }
+    return result;
 }
 
 std::optional<SimpleClipboardItem> AppModelContainer::mostRecent() const {

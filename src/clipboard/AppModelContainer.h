@@ -58,6 +58,8 @@ public:
     // The item with every value, its payload included.
     std::optional<SimpleClipboardItem> item(const QUuid& id) const;
     std::optional<SimpleClipboardItem> mostRecent() const;
+    // The items of these ids, as items() gives them, in the order of the ids; gone ones are left out.
+    std::vector<SimpleClipboardItem> itemsWithIds(const std::vector<QUuid>& ids) const;
     // One representation: a payload type ("image/png"...), or "text/plain" (UTF-8), "text/html",
     // "text/rtf", "text/tab-separated-values", "thumbnail".
     std::optional<QByteArray> representation(const QUuid& id, const QString& type) const;
@@ -75,6 +77,10 @@ public:
 signals:
     // After every committed change.
     void changed();
+    // The finer news of the same commits, for views that follow the history without reading it again.
+    void itemAdded(const SimpleClipboardItem& item);
+    void itemsRemoved(const QList<QUuid>& ids);
+    void allRemoved();
 
 private:
     enum class Check { Ready, Damaged, Failed };

@@ -38,6 +38,10 @@ public:
     virtual void setSwallowableChords(const std::vector<KeyboardShortcut>& chords) = 0;
     // While on, every key of every keyboard is held back from all applications (the mouse stays free).
     virtual void setKeyboardGrabbed(bool grabbed) = 0;
+    // Presses and releases the chord as if typed, for the window that has the keyboard focus. Modifier
+    // keys the user still holds are let go first, or the window would receive a different chord; the
+    // agent's own shortcuts do not react to it. Returns at once; false when this platform cannot type.
+    virtual bool postKeyChord(const KeyboardShortcut& chord) = 0;
     // What the backend counts of its own work (verdicts asked, server requests made meanwhile), for
     // status and the benchmarks.
     virtual std::vector<std::pair<QString, qint64>> counters() const { return {}; }

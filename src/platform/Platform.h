@@ -3,6 +3,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
+#include "platform/DesktopOpener.h"
 #include "platform/FileThumbnails.h"
 #include "platform/InputTap.h"
 #include "platform/KeyboardLayout.h"
@@ -34,6 +35,7 @@ struct Platform {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<Pasteboard> pasteboard;
     std::unique_ptr<FileThumbnails> fileThumbnails;
+    std::unique_ptr<DesktopOpener> opener;
 };
 
 } // namespace velmora

@@ -22,6 +22,13 @@ struct FrontmostApplication {
     std::optional<QString> windowTitle;
 };
 
+// The window that has the keyboard focus, as much as a paste into it needs to know.
+struct FocusedWindow {
+    quint32 id = 0;
+    QString instanceName; // WM_CLASS's instance ("xterm")
+    QString className;    // WM_CLASS's class ("XTerm")
+};
+
 // The applications behind windows, as the desktop presents them.
 class Workspace {
 public:
@@ -32,6 +39,8 @@ public:
     virtual QImage applicationIcon(quint32 windowId, const QString& appName, int size) = 0;
     // The application of the active window; nothing when no window is active.
     virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
+    // The active window; nothing when no window is active. Answers from memory where it can.
+    virtual std::optional<FocusedWindow> focusedWindow() { return std::nullopt; }
     // Every application a user could launch (desktop entries not hidden), sorted by name.
     virtual std::vector<ApplicationIdentity> installedApplications() = 0;
     // The application a desktop entry file describes, for a user who picks the file by hand; nothing,

@@ -1,6 +1,8 @@
 // testwin [--title T] [--size WxH] [--min-size WxH] [--grab-super-alt KEY] [--copy TYPE=FILE ...]
-// [--copy-burst N [--burst-gap-ms MS]]: a plain window for the desktop tests. Every key it receives is
-// printed on standard output as "key <qt key> <modifiers> <text>", every click as "click <x> <y>".
+// [--copy-burst N [--burst-gap-ms MS]] [--wm-class INSTANCE,CLASS]: a plain window for the desktop tests.
+// Every key it receives is printed on standard output as "key <qt key> <modifiers> <text>", every click as
+// "click <x> <y>"; a Ctrl+V or Ctrl+Shift+V reads the clipboard's text and prints "pasted <chord> <text as
+// base64>".
 // --grab-super-alt plays another program that owns a global shortcut: it grabs Super+Alt+KEY (a keysym name
 // such as "f") on the root window.
 // --copy plays a program that copies: it puts one clipboard content with each TYPE holding the bytes of
@@ -81,6 +83,12 @@ protected:
     void keyPressEvent(QKeyEvent* e) override {
         const QString text = e->text().size() == 1 && e->text()[0].isPrint() ? e->text() : QString();
         std::printf("key %d %d %s\n", e->key(), int(e->modifiers()), text.toUtf8().constData());
+        // A paste chord reads the clipboard as an editor would, and says what it got.
+        if (e->key() == Qt::Key_V && (e->modifiers() & Qt::ControlModifier)) {
+            const QString pasted = QGuiApplication::clipboard()->text();
+            std::printf("pasted %s %s\n", (e->modifiers() & Qt::ShiftModifier) ? "ctrl+shift+v" : "ctrl+v",
+                        pasted.toUtf8().toBase64().constData());
+        }
         std::fflush(stdout);
     }
     void mousePressEvent(QMouseEvent* e) override {
@@ -91,7 +99,19 @@ protected:
 
 } // namespace
 
+// The toolkit names the window's class after the resource name and the application name, fixed
+// before the application object exists: --wm-class is read ahead of everything else.
+void useWmClass(int argc, char** argv) {
+    for (int i = 1; i + 1 < argc; ++i)
+        if (QByteArray(argv[i]) == "--wm-class") {
+            const QByteArray names = argv[i + 1];
+            qputenv("RESOURCE_NAME", names.split(',').value(0));
+            QCoreApplication::setApplicationName(QString::fromUtf8(names.split(',').value(1)));
+        }
+}
+
 int main(int argc, char** argv) {
+    useWmClass(argc, argv);
     QApplication app(argc, argv);
     QCommandLineParser parser;
     parser.addOptions({{"title", "window title", "title", "testwin"},
@@ -100,7 +120,8 @@ int main(int argc, char** argv) {
                        {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""},
                        {"copy", "put TYPE=FILE on the clipboard", "entry"},
                        {"copy-burst", "copy N texts in a row", "n", "0"},
-                       {"burst-gap-ms", "time between two copies of a burst", "ms", "10"}});
+                       {"burst-gap-ms", "time between two copies of a burst", "ms", "10"},
+                       {"wm-class", "the window's WM_CLASS as INSTANCE,CLASS", "names", ""}});
     parser.process(app);
     if (parser.isSet("grab-super-alt") && grabSuperAlt(parser.value("grab-super-alt"))) {
         std::printf("grabbed\n");

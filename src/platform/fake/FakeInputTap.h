@@ -40,6 +40,14 @@ public:
         chords = swallowable;
     }
     void setKeyboardGrabbed(bool grabbed) override { keyboardGrabbed = grabbed; }
+    bool postKeyChord(const KeyboardShortcut& chord) override {
+        posted.push_back(chord);
+        return !refusePost;
+    }
+
+    // The chords typed on the agent's behalf, in order; refusePost plays a platform that cannot type.
+    std::vector<KeyboardShortcut> posted;
+    bool refusePost = false;
 
     // One event of the desktop. Only an active tap reaches the callback (one the platform disabled
     // hears nothing, like a timed-out tap); otherwise the event passes.

@@ -4,6 +4,7 @@
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeDesktop.h"
+#include "platform/fake/FakeDesktopOpener.h"
 #include "platform/fake/FakeFileThumbnails.h"
 #include "platform/fake/FakeInputTap.h"
 #include "platform/fake/FakeKeyboardLayout.h"
@@ -28,6 +29,7 @@ struct FakePlatform {
     FakeWorkspace* workspace;
     FakePasteboard* pasteboard;
     FakeFileThumbnails* fileThumbnails;
+    FakeDesktopOpener* opener;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -61,6 +63,9 @@ struct FakePlatform {
         auto ft = std::make_unique<FakeFileThumbnails>();
         fileThumbnails = ft.get();
         platform.fileThumbnails = std::move(ft);
+        auto o = std::make_unique<FakeDesktopOpener>();
+        opener = o.get();
+        platform.opener = std::move(o);
     }
 };
 

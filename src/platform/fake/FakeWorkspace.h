@@ -17,6 +17,8 @@ public:
 
     QImage applicationIcon(quint32 windowId, const QString&, int) override { return icons.value(windowId); }
     std::optional<FrontmostApplication> frontmostApplication() override { return frontmost; }
+    std::optional<FocusedWindow> focused;
+    std::optional<FocusedWindow> focusedWindow() override { return focused; }
     std::vector<ApplicationIdentity> installedApplications() override { return installed; }
     std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) override {
         if (const auto it = files.constFind(path); it != files.constEnd())

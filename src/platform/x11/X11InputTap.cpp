@@ -69,6 +69,13 @@ void X11InputTap::setKeyboardGrabbed(bool grabbed) {
         m_worker->setKeyboardGrabbed(grabbed);
 }
 
+bool X11InputTap::postKeyChord(const KeyboardShortcut& chord) {
+    if (!m_worker)
+        return false;
+    m_worker->postChord(chord);
+    return true;
+}
+
 std::vector<std::pair<QString, qint64>> X11InputTap::counters() const {
     return {{"verdicts", m_verdicts}, {"xRequestsDuringVerdicts", m_requestsDuringVerdicts}};
 }

@@ -24,6 +24,7 @@ public:
     State state() const override;
     void setSwallowableChords(const std::vector<KeyboardShortcut>& chords) override;
     void setKeyboardGrabbed(bool grabbed) override;
+    bool postKeyChord(const KeyboardShortcut& chord) override;
     std::vector<std::pair<QString, qint64>> counters() const override;
 
 private:

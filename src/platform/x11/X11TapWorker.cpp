@@ -2,6 +2,8 @@
 
 #include "core/KeyEvent.h"
 #include "platform/x11/KeySymMap.h"
+#include "platform/x11/X11KeyTyper.h"
+#include "platform/x11/X11Log.h"
 #include "platform/x11/XcbPtr.h"
 
 #include <cstdlib>
@@ -163,6 +165,14 @@ void X11TapWorker::setKeyboardGrabbed(bool grabbed) {
     wake();
 }
 
+void X11TapWorker::postChord(const KeyboardShortcut& chord) {
+    {
+        std::lock_guard lock(m_mutex);
+        m_pendingTyping.push_back(chord);
+    }
+    wake();
+}
+
 void X11TapWorker::wake() {
     if (m_wakeFd >= 0) {
         const std::uint64_t one = 1;
@@ -184,8 +194,11 @@ void X11TapWorker::run() {
             m_state = InputTap::State::failed; // the watchdog reconnects on its next tick
             return;
         }
-        // While another client holds the keyboard, retry the cleaning grab every 100 ms.
-        const int timeout = (m_wantKeyboardGrab && !m_keyboardGrabActive) ? 100 : -1;
+        // While another client holds the keyboard, retry the cleaning grab every 100 ms; while typing
+        // waits for a key to go up, look again every 10 ms.
+        int timeout = (m_wantKeyboardGrab && !m_keyboardGrabActive) ? 100 : -1;
+        if (!m_typingQueue.empty())
+            timeout = 10;
         ::poll(fds, 2, timeout);
         if (fds[1].revents & POLLIN) {
             std::uint64_t count;
@@ -194,18 +207,40 @@ void X11TapWorker::run() {
         }
         if (m_wantKeyboardGrab && !m_keyboardGrabActive)
             tryKeyboardGrab();
+        typeWhenKeysAreUp();
     }
+}
+
+void X11TapWorker::typeWhenKeysAreUp() {
+    if (m_typingQueue.empty())
+        return;
+    X11KeyTyper typer(m_connection, m_symbols);
+    // The key of the shortcut that asked for the typing is usually still down, and the keyboard is
+    // grabbed until it goes up: typed now, the chord would come back to this client.
+    if (typer.nonModifierKeyDown(m_modifierKeycodes) && std::chrono::steady_clock::now() < m_typingDeadline)
+        return;
+    const auto queue = std::exchange(m_typingQueue, {});
+    for (const KeyboardShortcut& chord : queue)
+        typeChord(chord);
 }
 
 void X11TapWorker::applyPendingCommands() {
     std::optional<std::vector<KeyboardShortcut>> chords;
     std::optional<bool> keyboardGrab;
     bool renew = false;
+    std::vector<KeyboardShortcut> typing;
     {
         std::lock_guard lock(m_mutex);
         chords.swap(m_pendingChords);
         keyboardGrab.swap(m_pendingKeyboardGrab);
         renew = std::exchange(m_pendingRenew, false);
+        typing.swap(m_pendingTyping);
+    }
+    if (!typing.empty()) {
+        if (m_typingQueue.empty())
+            m_typingDeadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        m_typingQueue.insert(m_typingQueue.end(), typing.begin(), typing.end());
+        typeWhenKeysAreUp();
     }
     if (renew && m_state == InputTap::State::disabledByTimeout) {
         m_state = InputTap::State::active;
@@ -344,10 +379,39 @@ void X11TapWorker::handle(xcb_generic_event_t* event) {
     }
 }
 
+void X11TapWorker::typeChord(const KeyboardShortcut& chord) {
+    X11KeyTyper typer(m_connection, m_symbols);
+    const auto key = typer.keycodeOf(chord);
+    typer.releaseHeldModifiers(m_modifierKeycodes);
+    QString error;
+    if (!key || !typer.type(chord, &error)) {
+        qCWarning(lcX11).noquote() << "A chord could not be typed:"
+                                   << (key ? error : "its key is not on the keyboard");
+        return;
+    }
+    // The server answers typing at once; a second is ample even on a loaded machine.
+    m_typedKey = *key;
+    m_typedPressesLeft = 1;
+    m_typedUntil = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+}
+
+bool X11TapWorker::isOwnTyping(xcb_keycode_t keycode, bool consume) {
+    if (!m_typedKey || *m_typedKey != keycode || std::chrono::steady_clock::now() > m_typedUntil)
+        return false;
+    if (consume && --m_typedPressesLeft <= 0)
+        m_typedKey.reset();
+    return true;
+}
+
 void X11TapWorker::handleGrabbedKeyPress(const xcb_key_press_event_t* event) {
     auto* c = m_connection;
     if (m_keyboardGrabActive)
         return; // cleaning: every key stays with us
+    if (isOwnTyping(event->detail, true)) {
+        xcb_allow_events(c, XCB_ALLOW_REPLAY_KEYBOARD, event->time);
+        xcb_flush(c);
+        return;
+    }
     const auto keyCode = virtualKeyCode(event->detail);
     std::optional<TapVerdict> verdict;
     if (m_state == InputTap::State::active && keyCode) {
@@ -372,6 +436,8 @@ void X11TapWorker::handleXInput(const xcb_ge_generic_event_t* ge) {
         const bool press = ge->event_type == XCB_INPUT_RAW_KEY_PRESS;
         // A press of a grabbed chord comes again through the grab, where it can be swallowed.
         if (press && m_grabs.count({keycode, m_modState}))
+            return;
+        if (isOwnTyping(keycode, press && !m_grabs.count({keycode, m_modState})))
             return;
         const auto keyCode = virtualKeyCode(keycode);
         if (!keyCode)

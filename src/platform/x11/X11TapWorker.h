@@ -7,8 +7,10 @@
 #include <QByteArray>
 #include <QString>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <thread>
 #include <utility>
@@ -43,6 +45,8 @@ public:
     void renew();
     void setChords(std::vector<KeyboardShortcut> chords);
     void setKeyboardGrabbed(bool grabbed);
+    // Types the chord on this thread (see InputTap::postKeyChord).
+    void postChord(const KeyboardShortcut& chord);
 
 private:
     struct Grab {
@@ -71,6 +75,9 @@ private:
     std::uint16_t xModifiers(const KeyboardShortcut& chord) const;
     std::uint64_t flagsFromX(std::uint16_t state) const;
     void disableByTimeout();
+    void typeChord(const KeyboardShortcut& chord);
+    void typeWhenKeysAreUp();
+    bool isOwnTyping(xcb_keycode_t keycode, bool consume);
 
     QByteArray m_display;
     Delegate m_delegate;
@@ -85,6 +92,14 @@ private:
     bool m_button1Down = false;
     bool m_keyboardGrabActive = false;
     std::set<Grab> m_grabs;
+    // The key of the chord typed last and until when its events are the agent's own, not the user's:
+    // they pass through every grab untouched and are not reported.
+    std::optional<xcb_keycode_t> m_typedKey;
+    std::chrono::steady_clock::time_point m_typedUntil;
+    int m_typedPressesLeft = 0;
+    // Chords waiting for the user to let go of the shortcut's key, and how long they may wait.
+    std::vector<KeyboardShortcut> m_typingQueue;
+    std::chrono::steady_clock::time_point m_typingDeadline;
 
     std::thread m_thread;
     int m_wakeFd = -1;
@@ -95,6 +110,7 @@ private:
     std::optional<std::vector<KeyboardShortcut>> m_pendingChords;
     std::optional<bool> m_pendingKeyboardGrab;
     bool m_pendingRenew = false;
+    std::vector<KeyboardShortcut> m_pendingTyping;
     std::vector<KeyboardShortcut> m_chords;
     bool m_wantKeyboardGrab = false;
 };

@@ -140,17 +140,17 @@ QImage X11Workspace::publishedIcon(quint32 windowId, int size) const {
     return image;
 }
 
-std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
+X11Workspace::WindowFacts* X11Workspace::activeFacts() {
     if (m_x.hasError())
-        return std::nullopt;
+        return nullptr;
     const auto window = activeWindow();
     if (!window)
-        return std::nullopt;
+        return nullptr;
     // A window that is gone stays gone: nothing is in front until the window manager names another.
-    const auto gone = [this, window] {
+    const auto gone = [this, window]() -> WindowFacts* {
         m_windows.remove(*window);
         m_active.reset();
-        return std::nullopt;
+        return nullptr;
     };
     auto facts = m_windows.find(*window);
     if (facts == m_windows.end()) {
@@ -163,14 +163,26 @@ std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
     } else if (facts->titleStale && !read(*window, *facts, true)) {
         return gone();
     }
-    if (facts->isDesktop)
+    return &*facts;
+}
+
+std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
+    WindowFacts* facts = activeFacts();
+    if (!facts || facts->isDesktop)
         return std::nullopt;
     const quint64 generation = m_entries ? m_entries->generation() : 0;
     if (!facts->identity || facts->entriesGeneration != generation) {
-        facts->identity = identify(*window, *facts);
+        facts->identity = identify(*m_active, *facts);
         facts->entriesGeneration = generation;
     }
     return FrontmostApplication{*facts->identity, facts->title};
+}
+
+std::optional<FocusedWindow> X11Workspace::focusedWindow() {
+    const WindowFacts* facts = activeFacts();
+    if (!facts)
+        return std::nullopt;
+    return FocusedWindow{quint32(*m_active), facts->wmInstance, facts->wmClass};
 }
 
 // _NET_ACTIVE_WINDOW, read again only after the hub saw it change.

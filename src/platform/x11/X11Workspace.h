@@ -29,6 +29,7 @@ public:
     QImage applicationIcon(quint32 windowId, const QString& appName, int size) override;
     // Its icon is 64 x 64 pixels when there is one.
     std::optional<FrontmostApplication> frontmostApplication() override;
+    std::optional<FocusedWindow> focusedWindow() override;
     // Their icons are 32 x 32 pixels, for a list.
     std::vector<ApplicationIdentity> installedApplications() override;
     std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) override;
@@ -46,6 +47,8 @@ private:
     };
 
     void windowPropertyChanged(xcb_window_t window, xcb_atom_t property);
+    // The active window's facts, read on first sight; null when none is active or it is gone.
+    WindowFacts* activeFacts();
     std::optional<xcb_window_t> activeWindow();
     bool read(xcb_window_t window, WindowFacts& facts, bool titleOnly);
     ApplicationIdentity identify(xcb_window_t window, const WindowFacts& facts);

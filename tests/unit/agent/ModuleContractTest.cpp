@@ -41,7 +41,7 @@ TEST(ModuleContract, WhatModulesRegisterIsGrabbedMatchedAndListed) {
     ASSERT_TRUE(agent.app.module<WindowManagerModule>());
     ASSERT_TRUE(agent.app.module<KeyboardCleaningModule>());
 
-    // Grabbing: each chord once, the window manager's and the switcher's; the clipboard's, dimming's
+    // Grabbing: each chord once, the window manager's, the switcher's and the clipboard's; dimming's
     // and auto-layout's are bound by default but nothing here carries them out.
     const auto centre = chord(Modifier::Control | Modifier::Alt, 8);
     const auto leftHalf = chord(Modifier::Control | Modifier::Alt, 123);
@@ -50,13 +50,14 @@ TEST(ModuleContract, WhatModulesRegisterIsGrabbedMatchedAndListed) {
     EXPECT_TRUE(agent.grabbed(leftHalf));
     EXPECT_TRUE(agent.grabbed(up));
     EXPECT_TRUE(agent.grabbed(chord(Modifier::Alt, 48)));                      // Alt+Tab
-    EXPECT_FALSE(agent.grabbed(chord(Modifier::Control, 9)));                  // paste plain text directly
+    EXPECT_TRUE(agent.grabbed(chord(Modifier::Control, 9)));                   // paste plain text directly
+    EXPECT_TRUE(agent.grabbed(chord(Modifier::Command | Modifier::Shift, 9))); // clipboard history
     EXPECT_FALSE(agent.grabbed(chord(Modifier::Control | Modifier::Alt, 11))); // dimming
     EXPECT_FALSE(agent.grabbed(chord(Modifier::Control | Modifier::Alt, 49))); // auto-layout
 
     // Matching: the same chords, nothing else.
     EXPECT_EQ(agent.press(8, Control | Option), TapVerdict::swallow);
-    EXPECT_EQ(agent.press(9, Control), TapVerdict::pass);
+    EXPECT_EQ(agent.press(11, Control | Option), TapVerdict::pass);
     QCoreApplication::processEvents(); // actions run after the verdict
     EXPECT_EQ(agent.app.dispatcher().lastAction(), "centerWindow");
 

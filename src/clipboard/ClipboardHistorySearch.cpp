@@ -1,0 +1,58 @@
+#include "clipboard/ClipboardHistorySearch.h"
+
+#include "clipboard/ClipboardLog.h"
+
+namespace velmora {
+
+ClipboardHistorySearch::ClipboardHistorySearch(std::vector<ClipboardHistoryIndex::ItemInfo> itemsNewestFirst)
+    : m_base(ClipboardHistoryIndex::base(std::move(itemsNewestFirst))) {}
+
+void ClipboardHistorySearch::setText(const QString& text) {
+    if (text.isEmpty()) {
+        m_search.reset();
+        return;
+    }
+    const QString query = text.toLower();
+    if (m_search && m_search->query() == query)
+        return;
+    if (m_search && m_search->canBeRefinedTo(query))
+        m_search = m_search->refined(query);
+    else
+        m_search = m_base.refined(query);
+}
+
+const QString& ClipboardHistorySearch::query() const {
+    return current().query();
+}
+
+bool ClipboardHistorySearch::matches(const QUuid& id) const {
+    return current().contains(id);
+}
+
+std::vector<QUuid> ClipboardHistorySearch::matchingIds() const {
+    return current().ids();
+}
+
+void ClipboardHistorySearch::insertNewest(ClipboardHistoryIndex::ItemInfo item) {
+    if (!m_base.insertNewest(item))
+        return;
+    if (m_search)
+        m_search->insertNewest(std::move(item));
+}
+
+void ClipboardHistorySearch::remove(const QUuid& id) {
+    if (!m_base.remove(id)) {
+        qCWarning(lcClipboard) << "Clipboard entry" << id << "to remove from the search is not indexed";
+        return;
+    }
+    if (m_search)
+        m_search->remove(id);
+}
+
+void ClipboardHistorySearch::clear() {
+    m_base.clear();
+    if (m_search)
+        m_search->clear();
+}
+
+} // namespace velmora

@@ -1,0 +1,90 @@
+#include "clipboard/ClipboardSearchModel.h"
+
+#include "clipboard/AppModelContainer.h"
+#include "clipboard/ClipboardLog.h"
+#include "clipboard/ClipboardSearchLoader.h"
+
+#include <QElapsedTimer>
+#include <QtConcurrent>
+
+namespace velmora {
+
+ClipboardSearchModel::ClipboardSearchModel(AppModelContainer& store, QObject* parent)
+    : QObject(parent), m_store(store) {
+    connect(&m_store, &AppModelContainer::itemAdded, this, [this](const SimpleClipboardItem& item) {
+        record(Added{item.id, searchItem(item)});
+    });
+    connect(&m_store, &AppModelContainer::itemsRemoved, this,
+            [this](const QList<QUuid>& ids) { record(Removed{ids}); });
+    connect(&m_store, &AppModelContainer::allRemoved, this, [this] { record(Cleared{}); });
+    connect(&m_loading, &QFutureWatcher<std::vector<ClipboardHistoryIndex::ItemInfo>>::finished, this,
+            &ClipboardSearchModel::loaded);
+}
+
+ClipboardSearchModel::~ClipboardSearchModel() {
+    m_loading.waitForFinished();
+}
+
+void ClipboardSearchModel::start() {
+    const QString path = m_store.path();
+    if (path.isEmpty()) {
+        m_ready = true;
+        return;
+    }
+    m_loading.setFuture(QtConcurrent::run([path] {
+        QElapsedTimer timer;
+        timer.start();
+        QString error;
+        auto items = loadSearchItems(path, &error);
+        if (!error.isEmpty())
+            qCWarning(lcClipboard).noquote()
+                << "The clipboard history could not be read for searching:" << error;
+        qCInfo(lcClipboard) << "Search index read:" << items.size() << "entries in" << timer.elapsed()
+                            << "ms";
+        return items;
+    }));
+}
+
+void ClipboardSearchModel::loaded() {
+    m_search = ClipboardHistorySearch(m_loading.result());
+    for (const Change& change : m_changesWhileLoading)
+        apply(change);
+    m_changesWhileLoading.clear();
+    m_ready = true;
+    emit ready();
+}
+
+void ClipboardSearchModel::record(Change change) {
+    if (m_loading.isRunning())
+        m_changesWhileLoading.push_back(std::move(change));
+    else
+        apply(change);
+}
+
+void ClipboardSearchModel::apply(const Change& change) {
+    if (const auto* added = std::get_if<Added>(&change)) {
+        // Read by the loader already when it was stored while the index was being read.
+        if (!m_search.baseIndex().contains(added->id))
+            m_search.insertNewest(added->info);
+    } else if (const auto* removed = std::get_if<Removed>(&change)) {
+        for (const QUuid& id : removed->ids)
+            m_search.remove(id);
+    } else {
+        m_search.clear();
+    }
+}
+
+std::optional<std::vector<QUuid>> ClipboardSearchModel::setText(const QString& text) {
+    m_search.setText(text);
+    if (!m_search.isFiltering())
+        return std::nullopt;
+    return m_search.matchingIds();
+}
+
+std::vector<QUuid> ClipboardSearchModel::find(const QString& text) const {
+    if (text.isEmpty())
+        return m_search.baseIndex().ids();
+    return m_search.baseIndex().refined(text.toLower()).ids();
+}
+
+} // namespace velmora

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "clipboard/ClipboardHistorySearch.h"
+
+#include <QFutureWatcher>
+#include <QObject>
+#include <QUuid>
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace velmora {
+
+class AppModelContainer;
+struct SimpleClipboardItem;
+
+// The search over the whole history. The index is read from the store once, on a worker thread
+// after start-up, and from then on follows every capture and deletion; it is never read again.
+class ClipboardSearchModel : public QObject {
+    Q_OBJECT
+public:
+    explicit ClipboardSearchModel(AppModelContainer& store, QObject* parent = nullptr);
+    ~ClipboardSearchModel() override;
+
+    void start();
+    bool isReady() const { return m_ready; }
+    std::size_t indexedCount() const { return m_search.baseIndex().size(); }
+
+    // The history window's search text as typed: the matching ids newest first, or nothing when the
+    // text is empty (every entry is listed). Refines the previous answer when the text grew.
+    std::optional<std::vector<QUuid>> setText(const QString& text);
+    // A search of its own, from the base, that leaves the window's search as it is.
+    std::vector<QUuid> find(const QString& text) const;
+
+signals:
+    // The index is complete: a search made before now may have missed entries.
+    void ready();
+
+private:
+    struct Added {
+        QUuid id;
+        ClipboardHistoryIndex::ItemInfo info;
+    };
+    struct Removed {
+        QList<QUuid> ids;
+    };
+    struct Cleared {};
+    using Change = std::variant<Added, Removed, Cleared>;
+
+    void apply(const Change& change);
+    void record(Change change);
+    void loaded();
+
+    AppModelContainer& m_store;
+    ClipboardHistorySearch m_search;
+    bool m_ready = false;
+    // What happened in the store while the index was being read, applied once it is in.
+    std::vector<Change> m_changesWhileLoading;
+    QFutureWatcher<std::vector<ClipboardHistoryIndex::ItemInfo>> m_loading;
+};
+
+} // namespace velmora

@@ -1,0 +1,131 @@
+#include "ui/clipboard/ClipboardHistoryListModel.h"
+
+#include "clipboard/AppModelContainer.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+ClipboardHistoryListModel::ClipboardHistoryListModel(AppModelContainer& store, QObject* parent)
+    : QAbstractListModel(parent), m_store(store) {
+    connect(&m_store, &AppModelContainer::itemAdded, this, &ClipboardHistoryListModel::added);
+    connect(&m_store, &AppModelContainer::itemsRemoved, this, &ClipboardHistoryListModel::removed);
+    connect(&m_store, &AppModelContainer::allRemoved, this, [this] {
+        // The filter's ids are gone with the entries.
+        if (m_filter)
+            m_filter->clear();
+        reload();
+    });
+    reload();
+}
+
+void ClipboardHistoryListModel::setFilter(std::optional<std::vector<QUuid>> ids) {
+    m_filter = std::move(ids);
+    reload();
+}
+
+void ClipboardHistoryListModel::reload() {
+    beginResetModel();
+    m_rows.clear();
+    m_exhausted = false;
+    endResetModel();
+    fetchMore({});
+}
+
+int ClipboardHistoryListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+bool ClipboardHistoryListModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && !m_exhausted;
+}
+
+void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
+    if (parent.isValid() || m_exhausted)
+        return;
+    std::vector<SimpleClipboardItem> page;
+    if (m_filter) {
+        const auto from = std::min(m_filter->size(), m_rows.size());
+        const auto to = std::min(m_filter->size(), from + kPageSize);
+        page = m_store.itemsWithIds({m_filter->begin() + from, m_filter->begin() + to});
+        m_exhausted = to == m_filter->size();
+    } else {
+        page = m_store.items(kPageSize, int(m_rows.size()));
+        m_exhausted = page.size() < std::size_t(kPageSize);
+    }
+    if (page.empty())
+        return;
+    beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + page.size()) - 1);
+    std::move(page.begin(), page.end(), std::back_inserter(m_rows));
+    endInsertRows();
+}
+
+const SimpleClipboardItem* ClipboardHistoryListModel::entry(int row) const {
+    return row >= 0 && row < int(m_rows.size()) ? &m_rows[row] : nullptr;
+}
+
+int ClipboardHistoryListModel::rowOf(const QUuid& id) const {
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
+        if (m_rows[i].id == id)
+            return int(i);
+    return -1;
+}
+
+QVariant ClipboardHistoryListModel::data(const QModelIndex& index, int role) const {
+    const SimpleClipboardItem* e = entry(index.row());
+    if (!e)
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return e->plainText.value_or(e->fileURL.value_or(e->url.value_or(QString())));
+    case ThumbnailRole:
+        // The list reads entries without their external values; the picture is read once it is shown.
+        return image(e->id, "thumbnail");
+    case SourceIconRole:
+        return e->sourceIconData ? QVariant(QImage::fromData(*e->sourceIconData)) : QVariant();
+    default:
+        return {};
+    }
+}
+
+QImage ClipboardHistoryListModel::image(const QUuid& id, const QString& kind) const {
+    const QString key = id.toString() + kind;
+    if (const QImage* cached = m_images.object(key))
+        return *cached;
+    QImage decoded;
+    if (const auto bytes = m_store.representation(id, kind))
+        decoded = QImage::fromData(*bytes);
+    m_images.insert(key, new QImage(decoded));
+    return decoded;
+}
+
+void ClipboardHistoryListModel::added(const SimpleClipboardItem& item) {
+    // A filtered list is refreshed by its owner, which knows whether the new entry matches.
+    if (m_filter)
+        return;
+    SimpleClipboardItem row = item;
+    row.payload.reset();
+    row.html.reset();
+    row.rtf.reset();
+    row.tabularText.reset();
+    beginInsertRows({}, 0, 0);
+    m_rows.insert(m_rows.begin(), std::move(row));
+    endInsertRows();
+    emit rowsChangedUnderneath();
+}
+
+void ClipboardHistoryListModel::removed(const QList<QUuid>& ids) {
+    for (const QUuid& id : ids) {
+        if (m_filter)
+            std::erase(*m_filter, id);
+        const int row = rowOf(id);
+        if (row < 0)
+            continue;
+        beginRemoveRows({}, row, row);
+        m_rows.erase(m_rows.begin() + row);
+        endRemoveRows();
+    }
+    emit rowsChangedUnderneath();
+}
+
+} // namespace velmora

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "clipboard/SimpleClipboardItem.h"
+
+#include <QAbstractListModel>
+#include <QCache>
+#include <QImage>
+#include <QUuid>
+
+#include <optional>
+#include <vector>
+
+namespace velmora {
+
+class AppModelContainer;
+
+// The history window's rows, newest first, read from the store a page at a time as the list scrolls
+// (never the whole store). With a filter the rows are the given ids, read a page at a time as well.
+// Follows captures and deletions while it lives.
+class ClipboardHistoryListModel : public QAbstractListModel {
+    Q_OBJECT
+public:
+    static constexpr int kPageSize = 40;
+    enum Role { EntryRole = Qt::UserRole, ThumbnailRole, SourceIconRole };
+
+    explicit ClipboardHistoryListModel(AppModelContainer& store, QObject* parent = nullptr);
+
+    // Lists every entry (nullopt) or only these, newest first. Starts again from the first page.
+    void setFilter(std::optional<std::vector<QUuid>> ids);
+    bool isFiltered() const { return m_filter.has_value(); }
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    bool canFetchMore(const QModelIndex& parent) const override;
+    void fetchMore(const QModelIndex& parent) override;
+
+    const SimpleClipboardItem* entry(int row) const;
+    int rowOf(const QUuid& id) const;
+
+signals:
+    // Rows came or went under the user; the window keeps its selection in view.
+    void rowsChangedUnderneath();
+
+private:
+    void reload();
+    void added(const SimpleClipboardItem& item);
+    void removed(const QList<QUuid>& ids);
+    QImage image(const QUuid& id, const QString& kind) const;
+
+    AppModelContainer& m_store;
+    std::optional<std::vector<QUuid>> m_filter;
+    std::vector<SimpleClipboardItem> m_rows;
+    bool m_exhausted = false;
+    mutable QCache<QString, QImage> m_images{200};
+};
+
+} // namespace velmora

@@ -1,0 +1,193 @@
+#include "ui/clipboard/ClipboardHistoryRowDelegate.h"
+
+#include "clipboard/ClipboardHighlight.h"
+#include "clipboard/SimpleClipboardItem.h"
+#include "ui/clipboard/ClipboardHistoryListModel.h"
+#include "ui/clipboard/ClipboardRowText.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QTextLayout>
+
+namespace velmora {
+
+namespace {
+
+constexpr int kPad = 8;
+constexpr int kThumb = 48;
+constexpr int kCompactThumb = 20;
+constexpr int kSourceIcon = 16;
+constexpr int kTextLines = 2;
+
+QRect fitted(const QSize& image, const QRect& box) {
+    const QSize size = image.scaled(box.size(), Qt::KeepAspectRatio);
+    return {box.x() + (box.width() - size.width()) / 2, box.y() + (box.height() - size.height()) / 2,
+            size.width(), size.height()};
+}
+
+QFont smaller(QFont font) {
+    font.setPointSizeF(font.pointSizeF() * 0.85);
+    return font;
+}
+
+} // namespace
+
+ClipboardHistoryRowDelegate::ClipboardHistoryRowDelegate(std::function<bool()> compact,
+                                                         std::function<QString()> query,
+                                                         std::function<qint64()> nowMs, QObject* parent)
+    : QStyledItemDelegate(parent), m_compact(std::move(compact)), m_query(std::move(query)),
+      m_now(std::move(nowMs)) {}
+
+QSize ClipboardHistoryRowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
+    const QFontMetrics text(option.font), detail(smaller(option.font));
+    if (m_compact())
+        return {200, std::max(kCompactThumb, text.height()) + kPad};
+    return {200, std::max(kThumb, kTextLines * text.lineSpacing()) + detail.height() + 2 * kPad};
+}
+
+void ClipboardHistoryRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                        const QModelIndex& index) const {
+    const auto* model = qobject_cast<const ClipboardHistoryListModel*>(index.model());
+    const SimpleClipboardItem* e = model ? model->entry(index.row()) : nullptr;
+    if (!e)
+        return;
+    QStyleOptionViewItem opt(option);
+    initStyleOption(&opt, index);
+    opt.text.clear();
+    opt.icon = {};
+    const QWidget* widget = opt.widget;
+    const QStyle* style = widget ? widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);
+
+    const bool compact = m_compact();
+    const bool selected = opt.state.testFlag(QStyle::State_Selected);
+    const QColor textColor =
+        opt.palette.color(QPalette::Active, selected ? QPalette::HighlightedText : QPalette::Text);
+    QColor dim = textColor;
+    dim.setAlphaF(0.65);
+    const QFont detailFont = smaller(opt.font);
+    const QFontMetrics detailMetrics(detailFont);
+
+    painter->save();
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    QRect r = opt.rect.adjusted(kPad, kPad / 2, -kPad, -kPad / 2);
+
+    // Right: how long ago.
+    const QString age = clipboardAgeText(m_now(), e->timestamp);
+    const int ageWidth = detailMetrics.horizontalAdvance(age);
+    painter->setFont(detailFont);
+    painter->setPen(dim);
+    const QRect ageRect(r.right() - ageWidth, compact ? r.y() : r.bottom() - detailMetrics.height(), ageWidth,
+                        compact ? r.height() : detailMetrics.height());
+    painter->drawText(ageRect, Qt::AlignRight | Qt::AlignVCenter, age);
+
+    // Left: the picture, when the entry has one.
+    const QImage thumbnail = index.data(ClipboardHistoryListModel::ThumbnailRole).value<QImage>();
+    const int thumbSide = compact ? kCompactThumb : kThumb;
+    int textLeft = r.left();
+    if (!thumbnail.isNull()) {
+        const QRect box(r.left(), r.top() + (compact ? (r.height() - thumbSide) / 2 : 0), thumbSide,
+                        thumbSide);
+        painter->drawImage(fitted(thumbnail.size(), box), thumbnail);
+        textLeft = box.right() + kPad;
+    }
+
+    const QImage sourceIcon = index.data(ClipboardHistoryListModel::SourceIconRole).value<QImage>();
+    const QString app = e->sourceAppName.value_or(e->sourceBundleId.value_or(QString()));
+    const QString title = e->sourceWindowTitle.value_or(QString());
+    if (compact) {
+        int right = ageRect.left() - kPad;
+        if (!sourceIcon.isNull()) {
+            const QRect icon(right - kSourceIcon, r.top() + (r.height() - kSourceIcon) / 2, kSourceIcon,
+                             kSourceIcon);
+            painter->drawImage(icon, sourceIcon);
+            right = icon.left() - kPad;
+        }
+        drawText(painter, QRect(textLeft, r.top(), right - textLeft, r.height()), clipboardRowText(*e, 1),
+                 opt.font, textColor, opt, 1);
+    } else {
+        const QRect textRect(textLeft, r.top(), r.right() - textLeft,
+                             r.height() - detailMetrics.height() - 2);
+        const QString detail = clipboardRowDetail(*e);
+        drawText(painter, textRect, clipboardRowText(*e, detail.isEmpty() ? kTextLines : 1), opt.font,
+                 textColor, opt, detail.isEmpty() ? kTextLines : 1);
+        if (!detail.isEmpty()) {
+            painter->setFont(detailFont);
+            painter->setPen(dim);
+            const QRect d(textLeft, textRect.top() + QFontMetrics(opt.font).lineSpacing(), textRect.width(),
+                          detailMetrics.height());
+            painter->drawText(d, Qt::AlignLeft | Qt::AlignVCenter,
+                              detailMetrics.elidedText(detail, Qt::ElideMiddle, d.width()));
+        }
+        // Beneath: where it came from.
+        int x = textLeft;
+        const int y = r.bottom() - detailMetrics.height();
+        if (!sourceIcon.isNull()) {
+            painter->drawImage(
+                QRect(x, y + (detailMetrics.height() - kSourceIcon) / 2, kSourceIcon, kSourceIcon),
+                sourceIcon);
+            x += kSourceIcon + 4;
+        }
+        const QString source = title.isEmpty() ? app
+                               : app.isEmpty() ? title
+                                               : app + QStringLiteral(" — ") + title;
+        painter->setFont(detailFont);
+        painter->setPen(dim);
+        painter->drawText(QRect(x, y, ageRect.left() - kPad - x, detailMetrics.height()),
+                          Qt::AlignLeft | Qt::AlignVCenter,
+                          detailMetrics.elidedText(source, Qt::ElideRight, ageRect.left() - kPad - x));
+    }
+    painter->restore();
+}
+
+void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect, const QString& text,
+                                           const QFont& font, const QColor& color,
+                                           const QStyleOptionViewItem& option, int maxLines) const {
+    const QFontMetrics metrics(font);
+    QList<QTextLayout::FormatRange> marks;
+    const QString query = m_query();
+    if (!query.isEmpty()) {
+        QTextCharFormat mark;
+        mark.setBackground(option.palette.color(QPalette::Active, QPalette::Highlight).lighter(150));
+        mark.setForeground(option.palette.color(QPalette::Active, QPalette::Text));
+        mark.setFontWeight(QFont::DemiBold);
+        for (const auto& [start, length] : highlightRanges(text, query))
+            marks.append({start, length, mark});
+    }
+    painter->setPen(color);
+    painter->setFont(font);
+    int y = rect.top();
+    if (maxLines == 1)
+        y += (rect.height() - metrics.height()) / 2;
+    int lineStart = 0;
+    const QStringList lines = text.split('\n');
+    for (int i = 0; i < lines.size() && i < maxLines; ++i) {
+        const QString& line = lines[i];
+        // The line is laid out whole, so the marks keep their places; it is clipped at the row's edge
+        // and ends in an ellipsis when it does not fit.
+        const bool fits = metrics.horizontalAdvance(line) <= rect.width();
+        const QString shown = fits ? line : metrics.elidedText(line, Qt::ElideRight, rect.width());
+        QTextLayout layout(shown, font);
+        QList<QTextLayout::FormatRange> lineMarks;
+        for (const auto& m : marks) {
+            const int s = std::max(m.start - lineStart, 0);
+            const int end = std::min(m.start + m.length - lineStart, int(shown.size()));
+            if (end > s && m.start + m.length > lineStart)
+                lineMarks.append({s, end - s, m.format});
+        }
+        layout.setFormats(lineMarks);
+        layout.beginLayout();
+        QTextLine tl = layout.createLine();
+        if (tl.isValid())
+            tl.setLineWidth(rect.width() + 1000);
+        layout.endLayout();
+        painter->save();
+        painter->setClipRect(rect);
+        layout.draw(painter, QPointF(rect.left(), y));
+        painter->restore();
+        y += metrics.lineSpacing();
+        lineStart += int(line.size()) + 1;
+    }
+}
+
+} // namespace velmora

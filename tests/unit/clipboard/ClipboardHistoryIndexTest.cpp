@@ -1,0 +1,233 @@
+#include "clipboard/ClipboardHistoryIndex.h"
+
+#include <QTextBoundaryFinder>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace velmora;
+using ItemInfo = ClipboardHistoryIndex::ItemInfo;
+
+namespace {
+
+ItemInfo item(const QString& lowerCasedText) {
+    return {QUuid::createUuid(), lowerCasedText};
+}
+
+// The index's answer for `query`, newest first, as positions in `items`.
+std::vector<std::size_t> found(const std::vector<ItemInfo>& items, const ClipboardHistoryIndex& index) {
+    std::vector<std::size_t> result;
+    for (const QUuid& id : index.ids()) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (items[i].id == id)
+                result.push_back(i);
+        }
+    }
+    return result;
+}
+
+std::vector<std::size_t> found(const std::vector<ItemInfo>& items, const QString& query) {
+    return found(items, ClipboardHistoryIndex::base(items).refined(query));
+}
+
+std::vector<int> positionsIn(const ClipboardHistoryIndex& index, const QUuid& id) {
+    const auto positions = index.positions(id);
+    return {positions.begin(), positions.end()};
+}
+
+std::vector<QString> graphemes(const QString& text) {
+    std::vector<QString> result;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype start = 0;
+    for (qsizetype end = finder.toNextBoundary(); end > 0; end = finder.toNextBoundary()) {
+        result.push_back(text.mid(start, end - start));
+        start = end;
+    }
+    return result;
+}
+
+// The rule the index must give, by brute force over the characters.
+bool containsByCharacters(const QString& text, const QString& query) {
+    const auto haystack = graphemes(text);
+    const auto needle = graphemes(query);
+    return std::search(haystack.begin(), haystack.end(), needle.begin(), needle.end()) != haystack.end();
+}
+
+} // namespace
+
+TEST(ClipboardHistoryIndex, BaseKeepsTheHistoryOrderAndNoQuery) {
+    const std::vector<ItemInfo> items{item("newest"), item("middle"), item("oldest")};
+    const auto index = ClipboardHistoryIndex::base(items);
+    EXPECT_EQ(index.ids(), (std::vector<QUuid>{items[0].id, items[1].id, items[2].id}));
+    EXPECT_EQ(index.query(), QString());
+    EXPECT_EQ(index.prefixLength(), 0);
+    EXPECT_TRUE(index.contains(items[1].id));
+    EXPECT_FALSE(index.contains(QUuid::createUuid()));
+    EXPECT_TRUE(index.positions(items[2].id).empty());
+    EXPECT_EQ(index.entry(items[2].id)->searchableText(), QStringLiteral("oldest"));
+
+    // A repeated id is an error of the caller: the first one stays.
+    auto repeated = items;
+    repeated.push_back({items[0].id, QStringLiteral("again")});
+    const auto deduplicated = ClipboardHistoryIndex::base(repeated);
+    EXPECT_EQ(deduplicated.size(), 3u);
+    EXPECT_EQ(deduplicated.entry(items[0].id)->searchableText(), QStringLiteral("newest"));
+}
+
+TEST(ClipboardHistoryIndex, RefiningKeepsTheEntriesThatContainTheQueryWithTheirPositions) {
+    const std::vector<ItemInfo> items{item("abcabc"), item("xyz"), item("e\u0301bc"), item("ab")};
+    const auto base = ClipboardHistoryIndex::base(items);
+    const auto b = base.refined("b");
+    EXPECT_EQ(found(items, b), (std::vector<std::size_t>{0, 2, 3}));
+    EXPECT_EQ(b.query(), QStringLiteral("b"));
+    EXPECT_EQ(b.prefixLength(), 1);
+    EXPECT_EQ(positionsIn(b, items[0].id), (std::vector<int>{1, 4}));
+    const std::vector<ItemInfo> longer{item("abcabcabcabcab")}; // past the eight units read at once
+    EXPECT_EQ(positionsIn(ClipboardHistoryIndex::base(longer).refined("b"), longer[0].id),
+              (std::vector<int>{1, 4, 7, 10, 13}));
+
+    const auto bc = b.refined("bc");
+    EXPECT_EQ(found(items, bc), (std::vector<std::size_t>{0, 2}));
+    EXPECT_EQ(bc.prefixLength(), 2);
+    EXPECT_EQ(positionsIn(bc, items[0].id), (std::vector<int>{1, 4}));
+    EXPECT_EQ(positionsIn(bc, items[2].id), (std::vector<int>{1})); // characters, not UTF-16 units
+
+    // Several characters at once, and the same query again, give the same as one at a time.
+    EXPECT_EQ(found(items, base.refined("bca")), (std::vector<std::size_t>{0}));
+    EXPECT_EQ(found(items, bc.refined("bc")), found(items, bc));
+    EXPECT_TRUE(base.refined("q").isEmpty());
+}
+
+TEST(ClipboardHistoryIndex, RefusesAQueryThatDoesNotExtendItsOwn) {
+    const std::vector<ItemInfo> items{item("ab"), item("ac"), item("e\u0301")};
+    const auto a = ClipboardHistoryIndex::base(items).refined("a");
+    EXPECT_TRUE(a.canBeRefinedTo("ab"));
+    EXPECT_FALSE(a.canBeRefinedTo("c"));
+    EXPECT_FALSE(a.canBeRefinedTo(""));
+
+    const auto unchanged = a.refined("c");
+    EXPECT_EQ(unchanged.query(), QStringLiteral("a"));
+    EXPECT_EQ(unchanged.size(), 2u);
+
+    // "e" then a combining accent is one other character: the "e" index cannot answer for it.
+    const auto e = ClipboardHistoryIndex::base(items).refined("e");
+    EXPECT_TRUE(e.isEmpty());
+    EXPECT_FALSE(e.canBeRefinedTo("e\u0301"));
+}
+
+TEST(ClipboardHistoryIndex, MatchesWholeCharactersOnly) {
+    const QString thumbsUp = QStringLiteral("\U0001F44D");
+    const QString toned = thumbsUp + QStringLiteral("\U0001F3FD");
+    const QString woman = QStringLiteral("\U0001F469");
+    const QString coder = woman + QStringLiteral("\u200D\U0001F4BB");
+    const std::vector<ItemInfo> items{item("cafe\u0301 noir"), item("caf\u00e9 noir"),
+                                      item("cafe noir"),       item("ok " + toned),
+                                      item("ok " + thumbsUp),  item(coder + " at work")};
+
+    EXPECT_EQ(found(items, "caf"), (std::vector<std::size_t>{0, 1, 2}));
+    EXPECT_EQ(found(items, "cafe"), (std::vector<std::size_t>{2}));
+    EXPECT_EQ(found(items, "e"), (std::vector<std::size_t>{2}));
+    EXPECT_EQ(found(items, "cafe\u0301"), (std::vector<std::size_t>{0})); // no normalisation either
+    EXPECT_EQ(found(items, "\u0301"), (std::vector<std::size_t>{}));
+    EXPECT_EQ(found(items, thumbsUp), (std::vector<std::size_t>{4}));
+    EXPECT_EQ(found(items, toned), (std::vector<std::size_t>{3}));
+    EXPECT_EQ(found(items, "ok " + toned), (std::vector<std::size_t>{3}));
+    EXPECT_EQ(found(items, woman), (std::vector<std::size_t>{}));
+    EXPECT_EQ(found(items, coder + " at"), (std::vector<std::size_t>{5}));
+
+    // Two flags side by side: the indicators across their border are no flag.
+    const std::vector<ItemInfo> flags{item(QStringLiteral("\U0001F1EB\U0001F1F7\U0001F1E9\U0001F1EA"))};
+    EXPECT_EQ(found(flags, QStringLiteral("\U0001F1F7\U0001F1E9")), (std::vector<std::size_t>{}));
+    EXPECT_EQ(found(flags, QStringLiteral("\U0001F1E9\U0001F1EA")), (std::vector<std::size_t>{0}));
+}
+
+TEST(ClipboardHistoryIndex, FindsRightToLeftTextInLogicalOrder) {
+    const std::vector<ItemInfo> items{item("שלום עולם"), item("עולם"),
+                                      item("\u0643\u064E\u062A\u064E\u0628\u064E")};
+    const auto world = ClipboardHistoryIndex::base(items).refined("עולם");
+    EXPECT_EQ(found(items, world), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(positionsIn(world, items[0].id), (std::vector<int>{5}));
+    // Arabic with vowel marks: each letter with its mark is one character.
+    EXPECT_EQ(found(items, "\u062A\u064E"), (std::vector<std::size_t>{2}));
+    EXPECT_EQ(found(items, "\u062A"), (std::vector<std::size_t>{}));
+}
+
+TEST(ClipboardHistoryIndex, HandlesAVeryLongQuery) {
+    QString text;
+    for (int i = 0; i < 1000; ++i)
+        text += QChar(u'a' + i % 26);
+    const std::vector<ItemInfo> items{item(text), item(text.left(999)), item(text + "!")};
+    const auto whole = ClipboardHistoryIndex::base(items).refined(text);
+    EXPECT_EQ(found(items, whole), (std::vector<std::size_t>{0, 2}));
+    EXPECT_EQ(whole.prefixLength(), 1000);
+    EXPECT_EQ(found(items, whole.refined(text + "!")), (std::vector<std::size_t>{2}));
+    EXPECT_TRUE(whole.refined(text + "?").isEmpty());
+}
+
+TEST(ClipboardHistoryIndex, FollowsCapturesAndDeletions) {
+    std::vector<ItemInfo> items{item("apple"), item("banana")};
+    auto base = ClipboardHistoryIndex::base(items);
+    auto an = base.refined("an");
+
+    const ItemInfo mango = item("mango");
+    const ItemInfo kiwi = item("kiwi");
+    EXPECT_TRUE(base.insertNewest(mango));
+    EXPECT_TRUE(an.insertNewest(mango));
+    EXPECT_TRUE(an.insertNewest(kiwi)); // not containing the query: simply not listed
+    EXPECT_EQ(base.ids(), (std::vector<QUuid>{mango.id, items[0].id, items[1].id}));
+    EXPECT_EQ(an.ids(), (std::vector<QUuid>{mango.id, items[1].id}));
+    EXPECT_EQ(positionsIn(an, mango.id), (std::vector<int>{1}));
+    EXPECT_EQ(an.refined("ana").ids(), (std::vector<QUuid>{items[1].id}));
+    EXPECT_FALSE(base.insertNewest({mango.id, QStringLiteral("other")}));
+    EXPECT_TRUE(an.remove(mango.id)); // the newest: look-ups of the others stay right
+    EXPECT_FALSE(an.contains(mango.id));
+    EXPECT_EQ(positionsIn(an, items[1].id), (std::vector<int>{1, 3}));
+    EXPECT_TRUE(an.insertNewest(mango));
+
+    EXPECT_TRUE(an.remove(items[1].id));
+    EXPECT_FALSE(an.remove(items[0].id)); // never listed
+    EXPECT_EQ(an.ids(), (std::vector<QUuid>{mango.id}));
+    EXPECT_TRUE(base.remove(items[1].id));
+    EXPECT_FALSE(base.contains(items[1].id));
+    EXPECT_TRUE(base.contains(mango.id)); // look-ups stay right after positions shift
+
+    base.clear();
+    EXPECT_TRUE(base.isEmpty());
+    EXPECT_FALSE(base.contains(mango.id));
+    EXPECT_TRUE(base.insertNewest(mango));
+    EXPECT_EQ(base.ids(), (std::vector<QUuid>{mango.id}));
+}
+
+// Random texts mixing plain letters, combining marks, emoji pieces and line breaks, typed query by
+// query, must give exactly the entries a brute-force character comparison gives.
+TEST(ClipboardHistoryIndex, AgreesWithABruteForceCharacterSearch) {
+    const std::vector<QString> pieces{"a",  "b",      "e",      " ",          "\u0301",     "\r",
+                                      "\n", "\u05E9", "\u200D", "\U0001F469", "\U0001F3FD", "\u00E9"};
+    std::mt19937 random(7);
+    const auto randomText = [&](int length) {
+        QString text;
+        for (int i = 0; i < length; ++i)
+            text += pieces[random() % pieces.size()];
+        return text;
+    };
+    std::vector<ItemInfo> items;
+    for (int i = 0; i < 300; ++i)
+        items.push_back(item(randomText(1 + static_cast<int>(random() % 12))));
+    const auto base = ClipboardHistoryIndex::base(items);
+
+    for (int round = 0; round < 200; ++round) {
+        const QString query = randomText(1 + static_cast<int>(random() % 4));
+        ClipboardHistoryIndex index = base;
+        for (qsizetype typed = 1; typed <= query.size(); ++typed) {
+            const QString prefix = query.left(typed);
+            index = index.canBeRefinedTo(prefix) ? index.refined(prefix) : base.refined(prefix);
+            std::vector<QUuid> expected;
+            for (const ItemInfo& candidate : items) {
+                if (containsByCharacters(candidate.searchableText, prefix))
+                    expected.push_back(candidate.id);
+            }
+            ASSERT_EQ(index.ids(), expected) << "query " << prefix.toStdString();
+        }
+    }
+}
