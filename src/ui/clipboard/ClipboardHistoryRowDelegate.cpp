@@ -120,7 +120,7 @@ void ClipboardHistoryRowDelegate::paint(QPainter* painter, const QStyleOptionVie
                               detailMetrics.elidedText(detail, Qt::ElideMiddle, d.width()));
         }
         // Beneath: where it came from.
-        int x = textLeft;
+        int x = r.left();
         const int y = r.bottom() - detailMetrics.height();
         if (!sourceIcon.isNull()) {
             painter->drawImage(
@@ -145,8 +145,7 @@ void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect,
                                            const QStyleOptionViewItem& option, int maxLines) const {
     const QFontMetrics metrics(font);
     QList<QTextLayout::FormatRange> marks;
-    const QString query = m_query();
-    if (!query.isEmpty()) {
+    if (const QString query = m_query(); !query.isEmpty()) {
         QTextCharFormat mark;
         mark.setBackground(option.palette.color(QPalette::Active, QPalette::Highlight).lighter(150));
         mark.setForeground(option.palette.color(QPalette::Active, QPalette::Text));
@@ -154,40 +153,48 @@ void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect,
         for (const auto& [start, length] : highlightRanges(text, query))
             marks.append({start, length, mark});
     }
-    painter->setPen(color);
-    painter->setFont(font);
-    int y = rect.top();
-    if (maxLines == 1)
-        y += (rect.height() - metrics.height()) / 2;
-    int lineStart = 0;
-    const QStringList lines = text.split('\n');
-    for (int i = 0; i < lines.size() && i < maxLines; ++i) {
-        const QString& line = lines[i];
-        // The line is laid out whole, so the marks keep their places; it is clipped at the row's edge
-        // and ends in an ellipsis when it does not fit.
-        const bool fits = metrics.horizontalAdvance(line) <= rect.width();
-        const QString shown = fits ? line : metrics.elidedText(line, Qt::ElideRight, rect.width());
-        QTextLayout layout(shown, font);
-        QList<QTextLayout::FormatRange> lineMarks;
-        for (const auto& m : marks) {
-            const int s = std::max(m.start - lineStart, 0);
-            const int end = std::min(m.start + m.length - lineStart, int(shown.size()));
-            if (end > s && m.start + m.length > lineStart)
-                lineMarks.append({s, end - s, m.format});
-        }
-        layout.setFormats(lineMarks);
-        layout.beginLayout();
-        QTextLine tl = layout.createLine();
-        if (tl.isValid())
-            tl.setLineWidth(rect.width() + 1000);
-        layout.endLayout();
-        painter->save();
-        painter->setClipRect(rect);
-        layout.draw(painter, QPointF(rect.left(), y));
-        painter->restore();
+    // One layout for the whole text, wrapped into the row's lines: a long paragraph fills them all,
+    // and the marks stay where the search found them.
+    QString laidOut = text;
+    laidOut.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    QTextLayout layout(laidOut, font);
+    QTextOption wrap;
+    wrap.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(wrap);
+    layout.setFormats(marks);
+    layout.beginLayout();
+    qreal y = 0;
+    int shownUpTo = 0;
+    for (int i = 0; i < maxLines; ++i) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(rect.width());
+        line.setPosition(QPointF(0, y));
         y += metrics.lineSpacing();
-        lineStart += int(line.size()) + 1;
+        shownUpTo = line.textStart() + line.textLength();
     }
+    layout.endLayout();
+    const int top =
+        maxLines == 1 && m_compact() ? rect.top() + (rect.height() - metrics.height()) / 2 : rect.top();
+    painter->save();
+    painter->setPen(color);
+    painter->setClipRect(rect);
+    layout.draw(painter, QPointF(rect.left(), top));
+    // What did not fit ends in an ellipsis at the last line's end.
+    if (shownUpTo < laidOut.size() && layout.lineCount() > 0) {
+        const QTextLine last = layout.lineAt(layout.lineCount() - 1);
+        const QString ellipsis = QStringLiteral("…");
+        const qreal x =
+            std::min(last.naturalTextWidth(), qreal(rect.width() - metrics.horizontalAdvance(ellipsis)));
+        painter->fillRect(QRectF(rect.left() + x, top + last.y(), rect.width() - x, metrics.lineSpacing()),
+                          option.state.testFlag(QStyle::State_Selected)
+                              ? option.palette.color(QPalette::Active, QPalette::Highlight)
+                              : option.palette.color(QPalette::Active, QPalette::Base));
+        painter->setFont(font);
+        painter->drawText(QPointF(rect.left() + x, top + last.y() + metrics.ascent()), ellipsis);
+    }
+    painter->restore();
 }
 
 } // namespace velmora

@@ -354,9 +354,10 @@ bool ClipboardHistoryWindow::eventFilter(QObject* watched, QEvent* event) {
         // Step by step: the preview, then the search, then the panel.
         if (m_preview && m_preview->isVisible())
             m_preview->close();
-        else if (!m_searchField->text().isEmpty())
+        else if (!m_searchField->text().isEmpty()) {
             m_searchField->clear();
-        else
+            m_list->setFocus(); // the history's keys act again
+        } else
             close();
         return true;
     }

@@ -6,6 +6,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTimer>
 
 namespace velmora {
 
@@ -51,6 +52,11 @@ void QuickLookHelper::show(const SimpleClipboardItem& item) {
     fit();
     m_window->show();
     m_window->raise();
+    // Once shown, the window manager's frame and the content's final size are known: place it again.
+    QTimer::singleShot(0, this, [this] {
+        if (isVisible())
+            fit();
+    });
 }
 
 void QuickLookHelper::close() {

@@ -7,7 +7,8 @@
 
 namespace velmora {
 
-QuickLookWindow::QuickLookWindow() : QWidget(nullptr, Qt::Tool | Qt::WindowDoesNotAcceptFocus) {
+QuickLookWindow::QuickLookWindow()
+    : QWidget(nullptr, Qt::Tool | Qt::WindowDoesNotAcceptFocus | Qt::WindowStaysOnTopHint) {
     setObjectName("quickLookWindow");
     setAttribute(Qt::WA_ShowWithoutActivating);
     auto* layout = new QVBoxLayout(this);
