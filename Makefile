@@ -30,6 +30,7 @@ bench: setup
 	@nice cmake --build build-bench --target velmora testwin desktop_benches $(notdir $(basename $(wildcard bench/bench_*.cpp)))
 	@for b in build-bench/bench/bench_*; do if [ -f "$$b" ] && [ -x "$$b" ]; then "$$b"; fi; done
 	@tools/bench-desktop build-bench
+	@tools/bench-clipboard-history build-bench
 
 format:
 	@git ls-files -co --exclude-standard '*.cpp' '*.h' | xargs clang-format -i

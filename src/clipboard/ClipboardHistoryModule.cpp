@@ -99,7 +99,10 @@ void ClipboardHistoryModule::registerWith(ModuleRegistry& registry) {
                              std::vector<BindingsProvider::Entry>{
                                  {A::clipboardOpenWindow, action::OpenClipboardHistory{}},
                                  {A::clipboardDirectPastePlainText, action::PerformDirectPastePlainText{}}}));
-    registry.addShortcutRows({A::clipboardOpenWindow, A::clipboardDirectPastePlainText});
+    registry.addShortcutRows({A::clipboardOpenWindow, A::clipboardDirectPastePlainText, A::clipboardPrevious,
+                              A::clipboardNext, A::clipboardSelect, A::clipboardPasteOriginal,
+                              A::clipboardPastePlainText, A::clipboardShowInFinder, A::clipboardQuickLook,
+                              A::clipboardDelete, A::clipboardOpenURL, A::clipboardSearch});
 }
 
 Json ClipboardHistoryModule::status() const {

@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QDateTime>
 #include <QFile>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -86,8 +87,9 @@ protected:
         // A paste chord reads the clipboard as an editor would, and says what it got.
         if (e->key() == Qt::Key_V && (e->modifiers() & Qt::ControlModifier)) {
             const QString pasted = QGuiApplication::clipboard()->text();
-            std::printf("pasted %s %s\n", (e->modifiers() & Qt::ShiftModifier) ? "ctrl+shift+v" : "ctrl+v",
-                        pasted.toUtf8().toBase64().constData());
+            std::printf("pasted %s %s %lld\n",
+                        (e->modifiers() & Qt::ShiftModifier) ? "ctrl+shift+v" : "ctrl+v",
+                        pasted.toUtf8().toBase64().constData(), QDateTime::currentMSecsSinceEpoch());
         }
         std::fflush(stdout);
     }

@@ -14,6 +14,7 @@ ClipboardHistoryListModel::ClipboardHistoryListModel(AppModelContainer& store, Q
         // The filter's ids are gone with the entries.
         if (m_filter)
             m_filter->clear();
+        m_rowCache.clear();
         reload();
     });
     reload();
@@ -47,7 +48,7 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
     if (m_filter) {
         const auto from = std::min(m_filter->size(), m_rows.size());
         const auto to = std::min(m_filter->size(), from + kPageSize);
-        page = m_store.itemsWithIds({m_filter->begin() + from, m_filter->begin() + to});
+        page = rowsWithIds({m_filter->begin() + from, m_filter->begin() + to});
         m_exhausted = to == m_filter->size();
     } else {
         page = m_store.items(kPageSize, int(m_rows.size()));
@@ -58,6 +59,23 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
     beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + page.size()) - 1);
     std::move(page.begin(), page.end(), std::back_inserter(m_rows));
     endInsertRows();
+}
+
+std::vector<SimpleClipboardItem> ClipboardHistoryListModel::rowsWithIds(const std::vector<QUuid>& ids) {
+    // A query that grows mostly lists entries it listed a keystroke ago: they are not read again.
+    std::vector<QUuid> missing;
+    for (const QUuid& id : ids)
+        if (!m_rowCache.contains(id))
+            missing.push_back(id);
+    for (auto& item : m_store.itemsWithIds(missing)) {
+        const QUuid id = item.id;
+        m_rowCache.insert(id, new SimpleClipboardItem(std::move(item)));
+    }
+    std::vector<SimpleClipboardItem> rows;
+    for (const QUuid& id : ids)
+        if (const SimpleClipboardItem* cached = m_rowCache.object(id))
+            rows.push_back(*cached);
+    return rows;
 }
 
 const SimpleClipboardItem* ClipboardHistoryListModel::entry(int row) const {
@@ -82,10 +100,20 @@ QVariant ClipboardHistoryListModel::data(const QModelIndex& index, int role) con
         // The list reads entries without their external values; the picture is read once it is shown.
         return image(e->id, "thumbnail");
     case SourceIconRole:
-        return e->sourceIconData ? QVariant(QImage::fromData(*e->sourceIconData)) : QVariant();
+        return e->sourceIconData ? QVariant(sourceIcon(*e->sourceIconData)) : QVariant();
     default:
         return {};
     }
+}
+
+QImage ClipboardHistoryListModel::sourceIcon(const QByteArray& png) const {
+    // A few applications make most copies: each icon is decoded once.
+    const QString key = QString::number(qHash(png)) + QStringLiteral("icon");
+    if (const QImage* cached = m_images.object(key))
+        return *cached;
+    const QImage decoded = QImage::fromData(png);
+    m_images.insert(key, new QImage(decoded));
+    return decoded;
 }
 
 QImage ClipboardHistoryListModel::image(const QUuid& id, const QString& kind) const {
@@ -116,6 +144,7 @@ void ClipboardHistoryListModel::added(const SimpleClipboardItem& item) {
 
 void ClipboardHistoryListModel::removed(const QList<QUuid>& ids) {
     for (const QUuid& id : ids) {
+        m_rowCache.remove(id);
         if (m_filter)
             std::erase(*m_filter, id);
         const int row = rowOf(id);

@@ -20,7 +20,7 @@ class AppModelContainer;
 class ClipboardHistoryListModel : public QAbstractListModel {
     Q_OBJECT
 public:
-    static constexpr int kPageSize = 40;
+    static constexpr int kPageSize = 20;
     enum Role { EntryRole = Qt::UserRole, ThumbnailRole, SourceIconRole };
 
     explicit ClipboardHistoryListModel(AppModelContainer& store, QObject* parent = nullptr);
@@ -46,12 +46,15 @@ private:
     void added(const SimpleClipboardItem& item);
     void removed(const QList<QUuid>& ids);
     QImage image(const QUuid& id, const QString& kind) const;
+    QImage sourceIcon(const QByteArray& png) const;
+    std::vector<SimpleClipboardItem> rowsWithIds(const std::vector<QUuid>& ids);
 
     AppModelContainer& m_store;
     std::optional<std::vector<QUuid>> m_filter;
     std::vector<SimpleClipboardItem> m_rows;
     bool m_exhausted = false;
     mutable QCache<QString, QImage> m_images{200};
+    QCache<QUuid, SimpleClipboardItem> m_rowCache{1000};
 };
 
 } // namespace velmora

@@ -52,9 +52,15 @@ Json ClipboardHistoryScreens::status() const {
     const int shown = std::min(m_window->rowCount(), 30);
     for (int row = 0; row < shown; ++row)
         rows.push_back(listingJson(*m_window->entry(row)));
-    return {{"open", m_window->isOpen()},          {"search", m_window->searchText().toStdString()},
-            {"selected", m_window->selectedRow()}, {"rows", rows},
-            {"rowCount", m_window->rowCount()},    {"previewOpen", m_preview && m_preview->isVisible()}};
+    return {{"open", m_window->isOpen()},
+            {"search", m_window->searchText().toStdString()},
+            {"selected", m_window->selectedRow()},
+            {"rows", rows},
+            {"rowCount", m_window->rowCount()},
+            {"previewOpen", m_preview && m_preview->isVisible()},
+            {"openMs", m_window->lastOpenMs()},
+            {"searchMs", m_window->lastSearchMs()},
+            {"searchPaintedMs", m_window->lastSearchPaintedMs()}};
 }
 
 } // namespace velmora

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -128,6 +129,8 @@ void ClipboardHistoryWindow::open() {
         m_controller->show();
         return;
     }
+    m_sincePaintWanted.start();
+    m_paintMeasure = &m_lastOpenMs;
     // Where the paste goes: the window in front now, before the panel takes the keyboard.
     const auto focused = m_workspace.focusedWindow();
     m_pasteTarget = focused ? std::optional(focused->id) : std::nullopt;
@@ -190,6 +193,7 @@ QWidget* ClipboardHistoryWindow::buildContent() {
                      palette.color(QPalette::Active, QPalette::HighlightedText));
     m_list->setPalette(palette);
     m_list->installEventFilter(this);
+    m_list->viewport()->installEventFilter(this);
     layout->addWidget(m_list, 1);
 
     m_empty = new QLabel();
@@ -236,8 +240,11 @@ QString ClipboardHistoryWindow::hintsText() const {
 }
 
 void ClipboardHistoryWindow::searchChanged(const QString& text) {
+    m_sincePaintWanted.start();
+    m_paintMeasure = &m_lastSearchPaintedMs;
     m_query = text;
     refreshFilter();
+    m_lastSearchMs = double(m_sincePaintWanted.nsecsElapsed()) / 1e6;
 }
 
 void ClipboardHistoryWindow::refreshFilter() {
@@ -346,6 +353,13 @@ std::optional<KeyboardAppAction> ClipboardHistoryWindow::bindingFor(const KeyEve
 }
 
 bool ClipboardHistoryWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Paint && m_paintMeasure && m_list && watched == m_list->viewport()) {
+        // Read once this paint is done: the time the user waited for the list.
+        QTimer::singleShot(0, this, [this, measure = std::exchange(m_paintMeasure, nullptr)] {
+            *measure = double(m_sincePaintWanted.nsecsElapsed()) / 1e6;
+        });
+        return false;
+    }
     if (event->type() != QEvent::KeyPress || !isOpen())
         return QObject::eventFilter(watched, event);
     auto* qkey = static_cast<QKeyEvent*>(event);

@@ -3,6 +3,7 @@
 #include "clipboard/SimpleClipboardItem.h"
 #include "core/KeyboardAppAction.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <functional>
@@ -57,6 +58,13 @@ public:
     // Performs what the binding does on the selected entry, as its key would.
     void trigger(KeyboardAppAction binding);
 
+    // How long the last opening took until the list was painted, and the last keystroke of a search
+    // until the list was narrowed (searched, its rows read) and until it was painted, in ms; for
+    // status and the benchmarks.
+    double lastOpenMs() const { return m_lastOpenMs; }
+    double lastSearchMs() const { return m_lastSearchMs; }
+    double lastSearchPaintedMs() const { return m_lastSearchPaintedMs; }
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -90,6 +98,13 @@ private:
     QPointer<QLabel> m_empty;
     ClipboardHistoryListModel* m_model = nullptr;
     bool m_forwarding = false;
+
+    // Started when the panel opens or the search changes; read when the list has painted next.
+    QElapsedTimer m_sincePaintWanted;
+    double* m_paintMeasure = nullptr;
+    double m_lastOpenMs = 0;
+    double m_lastSearchMs = 0;
+    double m_lastSearchPaintedMs = 0;
 };
 
 } // namespace velmora
