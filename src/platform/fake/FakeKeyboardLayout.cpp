@@ -24,6 +24,16 @@ std::uint16_t keyCodeOf(int key) {
         return KeyCode::Tab;
     case Qt::Key_Space:
         return KeyCode::Space;
+    case Qt::Key_Backspace:
+        return KeyCode::Delete;
+    case Qt::Key_P:
+        return 35;
+    case Qt::Key_S:
+        return 1;
+    case Qt::Key_Down:
+        return 125;
+    case Qt::Key_Up:
+        return 126;
     default:
         return 0xFFFF;
     }

@@ -8,6 +8,8 @@
 #include "platform/fake/FakePlatform.h"
 
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -227,4 +229,32 @@ TEST(ClipboardSearchModel, ReadsTheStoreOnceThenFollowsCapturesAndDeletions) {
     EXPECT_FALSE(search.setText(""));
     a.store.deleteAll();
     EXPECT_EQ(search.indexedCount(), 0u);
+}
+
+TEST(ClipboardHistoryActions, AnEntryWhosePictureFileVanishedPastesWhatIsLeft) {
+    Actions a;
+    const QByteArray picture = "picture bytes that stand for a PNG";
+    const auto entry = a.copy({item({{T::string, "caption"}, {T::png, picture}})});
+    // Someone removed the picture's file beside the store.
+    const QDir external(a.dir.path() + "/Velmora.store_external");
+    for (const QString& name : external.entryList(QDir::Files)) {
+        QFile file(external.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        if (file.readAll() == picture) {
+            ASSERT_TRUE(QFile::remove(external.filePath(name)));
+        }
+    }
+    a.history->perform(entry, clipboardaction::Paste{}, 42);
+    ASSERT_FALSE(a.fake.pasteboard->written.empty());
+    EXPECT_EQ(typesOf(a.fake.pasteboard->written.back()), std::vector<QString>{T::string});
+    EXPECT_EQ(a.fake.inputTap->posted.size(), 1u);
+}
+
+TEST(ClipboardHistoryActions, AnEntryDeletedBeforeItsPasteIsNeitherWrittenNorTyped) {
+    Actions a;
+    const auto entry = a.copy({item({{T::string, "soon gone"}})});
+    a.store.deleteItem(entry.id);
+    a.history->perform(entry, clipboardaction::Paste{}, 42);
+    EXPECT_TRUE(a.fake.pasteboard->written.empty());
+    EXPECT_TRUE(a.fake.inputTap->posted.empty());
 }
