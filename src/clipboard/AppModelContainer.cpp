@@ -391,53 +391,88 @@ bool AppModelContainer::inTransaction(const std::function<bool(QString*)>& work,
 
 // --- writing ------------------------------------------------------------------------------------
 
+QStringList AppModelContainer::ItemFiles::names() const {
+    QStringList all;
+    for (const auto* file : {&plainText, &html, &rtf, &tabularText, &thumbnailData})
+        if (*file)
+            all << **file;
+    for (const auto& [type, file] : payload)
+        all << file;
+    return all;
+}
+
+std::optional<AppModelContainer::ItemFiles> AppModelContainer::writeFiles(const SimpleClipboardItem& item,
+                                                                          QString* error) const {
+    PendingFiles written(m_storage);
+    ItemFiles files;
+    const auto store = [&](const auto& value, std::optional<QString>& file) {
+        if (!value)
+            return true;
+        if constexpr (std::is_same_v<std::decay_t<decltype(*value)>, QString>)
+            file = written.write(value->toUtf8(), error);
+        else
+            file = written.write(*value, error);
+        return file.has_value();
+    };
+    if (!store(item.plainText, files.plainText) || !store(item.html, files.html) ||
+        !store(item.rtf, files.rtf) || !store(item.tabularText, files.tabularText) ||
+        !store(item.thumbnailData, files.thumbnailData))
+        return std::nullopt;
+    const auto& payload = item.inMemoryPayload ? item.inMemoryPayload : item.payload;
+    if (payload) {
+        for (const auto& [type, bytes] : payload->data) {
+            const auto file = written.write(bytes, error);
+            if (!file)
+                return std::nullopt;
+            files.payload.emplace(type, *file);
+        }
+    }
+    written.keep(); // from here on they belong to the caller, who commits or removes them
+    return files;
+}
+
 bool AppModelContainer::persistItem(SimpleClipboardItem& item) {
+    QString error;
+    const auto files = writeFiles(item, &error);
+    if (!files) {
+        logPersistError(error);
+        return false;
+    }
+    return persistItem(item, *files);
+}
+
+bool AppModelContainer::persistItem(SimpleClipboardItem& item, const ItemFiles& files) {
     if (item.inMemoryPayload) {
         qCInfo(lcClipboard).noquote() << QStringLiteral("%1Clipboard History: payload exists").arg(kPersist);
         item.payload = std::move(item.inMemoryPayload);
         item.inMemoryPayload.reset();
     }
     QString error;
-    PendingFiles files(m_storage);
     if (!insert(item, files, &error)) {
+        m_storage.remove(files.names());
         logPersistError(error);
         return false;
     }
-    files.keep();
     emit itemAdded(item);
     emit changed();
     return true;
 }
 
-bool AppModelContainer::insert(const SimpleClipboardItem& item, PendingFiles& files, QString* error) {
+bool AppModelContainer::insert(const SimpleClipboardItem& item, const ItemFiles& files, QString* error) {
     if (!isOpen()) {
         *error = QStringLiteral("the store is not open");
         return false;
     }
     ClipboardItemRow row;
     row.item = item;
-    const auto store = [&](const auto& value, std::optional<QString>& file) {
-        if (!value)
-            return true;
-        if constexpr (std::is_same_v<std::decay_t<decltype(*value)>, QString>)
-            file = files.write(value->toUtf8(), error);
-        else
-            file = files.write(*value, error);
-        return file.has_value();
-    };
-    if (!store(item.plainText, row.plainTextFile) || !store(item.html, row.htmlFile) ||
-        !store(item.rtf, row.rtfFile) || !store(item.tabularText, row.tabularTextFile) ||
-        !store(item.thumbnailData, row.thumbnailDataFile))
-        return false;
+    row.plainTextFile = files.plainText;
+    row.htmlFile = files.html;
+    row.rtfFile = files.rtf;
+    row.tabularTextFile = files.tabularText;
+    row.thumbnailDataFile = files.thumbnailData;
     ClipboardPayloadRow payloadRow;
-    if (item.payload) {
-        for (const auto& [type, bytes] : item.payload->data) {
-            const auto file = files.write(bytes, error);
-            if (!file)
-                return false;
-            payloadRow.files.emplace(type, *file);
-        }
-    }
+    payloadRow.files = files.payload;
+    const bool hasPayload = item.payload.has_value();
     return inTransaction(
         [&](QString* error) {
             QSqlQuery* query = statement(insertItemSql(), error);
@@ -448,7 +483,7 @@ bool AppModelContainer::insert(const SimpleClipboardItem& item, PendingFiles& fi
             if (!inserted)
                 *error = query->lastError().text();
             query->finish();
-            if (!inserted || !item.payload)
+            if (!inserted || !hasPayload)
                 return inserted;
             return exec(QStringLiteral("INSERT INTO SimpleClipboardPayload (item, data) VALUES (?, ?)"),
                         {ClipboardItemRow::idText(item.id), payloadRow.toText()}, error);

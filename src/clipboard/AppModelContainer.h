@@ -45,9 +45,21 @@ public:
     // The store file, as a plain path; empty while not open.
     QString path() const;
 
+    // The files of an item's large values, written ahead of its row.
+    struct ItemFiles {
+        std::optional<QString> plainText, html, rtf, tabularText, thumbnailData;
+        std::map<QString, QString> payload; // type -> file
+        QStringList names() const;
+    };
+
     // Stores the item with its payload (`inMemoryPayload` is attached as `payload` first) in one
     // transaction. False, with the history as it was, when that fails.
     bool persistItem(SimpleClipboardItem& item);
+    // The same in two steps, so that large values reach the disk off the main thread: writeFiles() may
+    // run on any thread while the store is open, persistItem() then commits the rows that name them
+    // (or removes the files when it cannot). `inMemoryPayload` counts as the payload.
+    std::optional<ItemFiles> writeFiles(const SimpleClipboardItem& item, QString* error) const;
+    bool persistItem(SimpleClipboardItem& item, const ItemFiles& files);
     // Deletes the oldest items so that the stored ones plus `incoming` fit in `retention`.
     bool trim(int incoming, int retention);
 
@@ -99,7 +111,7 @@ private:
     bool exec(const QString& sql, const QVariantList& values, QString* error) const;
     bool inTransaction(const std::function<bool(QString*)>& work, QString* error);
 
-    bool insert(const SimpleClipboardItem& item, PendingFiles& files, QString* error);
+    bool insert(const SimpleClipboardItem& item, const ItemFiles& files, QString* error);
     std::optional<ClipboardItemRow> row(const QUuid& id, QString* error) const;
     void loadExternals(SimpleClipboardItem& item, const ClipboardItemRow& row) const;
     std::optional<SimpleClipboardPayload> loadPayload(const QUuid& id) const;

@@ -1,5 +1,8 @@
 #include "clipboard/ClipboardHistoryDataModel.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+
 #include "app/UserPreferences.h"
 #include "clipboard/AppModelContainer.h"
 #include "clipboard/ClipboardImages.h"
@@ -20,6 +23,7 @@ constexpr int kSourceIconSize = 32;
 
 struct ClipboardHistoryDataModel::Pending {
     SimpleClipboardItem record;
+    std::optional<AppModelContainer::ItemFiles> files; // written off the main thread
     bool ready = false;
 };
 
@@ -31,6 +35,7 @@ ClipboardHistoryDataModel::ClipboardHistoryDataModel(Pasteboard& pasteboard, Wor
       m_preferences(preferences), m_nowMs(std::move(nowMs)) {
     if (fileThumbnails)
         m_thumbnails = std::make_unique<ThumbnailJob>(*fileThumbnails);
+    m_writer.setMaxThreadCount(1);
     m_timer.setInterval(kTickMs);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &ClipboardHistoryDataModel::tick);
@@ -44,6 +49,8 @@ ClipboardHistoryDataModel::ClipboardHistoryDataModel(Pasteboard& pasteboard, Wor
 
 ClipboardHistoryDataModel::~ClipboardHistoryDataModel() {
     m_pasteboard.contentToKeep = nullptr;
+    // Files being written still belong to nobody: the next start sweeps them.
+    m_writer.waitForDone();
 }
 
 void ClipboardHistoryDataModel::start() {
@@ -144,8 +151,7 @@ void ClipboardHistoryDataModel::decodeImages(const std::shared_ptr<Pending>& pen
 void ClipboardHistoryDataModel::describeFile(const std::shared_ptr<Pending>& pending) {
     const QString path = pending->record.fileURL ? QUrl(*pending->record.fileURL).toLocalFile() : QString();
     if (path.isEmpty() || !m_thumbnails) {
-        pending->ready = true;
-        persistReady();
+        writeFiles(pending);
         return;
     }
     m_thumbnails->inspectFile(path, pending->record.thumbnailData.has_value(),
@@ -160,9 +166,30 @@ void ClipboardHistoryDataModel::describeFile(const std::shared_ptr<Pending>& pen
                                           r.height = details.height;
                                       }
                                   }
-                                  pending->ready = true;
-                                  persistReady();
+                                  writeFiles(pending);
                               });
+}
+
+// A copied picture can be tens of megabytes: its files are written on a worker, never on the main
+// thread, and the row naming them is committed here once they are on disk.
+void ClipboardHistoryDataModel::writeFiles(const std::shared_ptr<Pending>& pending) {
+    QPointer<ClipboardHistoryDataModel> self(this);
+    m_writer.start([self, pending, store = &m_store, record = pending->record] {
+        QString error;
+        auto files = store->writeFiles(record, &error);
+        if (!files)
+            qCWarning(lcClipboard).noquote() << "Error persisting a clipboard item:" << error;
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, pending, files = std::move(files)]() mutable {
+                if (!self)
+                    return;
+                pending->files = std::move(files);
+                pending->ready = true;
+                self->persistReady();
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 // Records are stored in the order they were captured, each once its preparation is done.
@@ -170,8 +197,12 @@ void ClipboardHistoryDataModel::persistReady() {
     while (!m_pending.empty() && m_pending.front()->ready) {
         auto pending = m_pending.front();
         m_pending.pop_front();
+        if (!pending->files) {
+            emit persisted(pending->record, false);
+            continue;
+        }
         m_store.trim(1, m_preferences.clipboard.value().retention);
-        const bool stored = m_store.persistItem(pending->record);
+        const bool stored = m_store.persistItem(pending->record, *pending->files);
         emit persisted(pending->record, stored);
     }
 }

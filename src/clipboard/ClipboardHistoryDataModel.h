@@ -4,6 +4,7 @@
 #include "clipboard/SimpleClipboardItem.h"
 
 #include <QObject>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <deque>
@@ -54,6 +55,7 @@ private:
     void prepare(SimpleClipboardItem record);
     void decodeImages(const std::shared_ptr<Pending>& pending);
     void describeFile(const std::shared_ptr<Pending>& pending);
+    void writeFiles(const std::shared_ptr<Pending>& pending);
     void persistReady();
     std::vector<struct PasteboardItem> contentToKeep() const;
 
@@ -69,6 +71,7 @@ private:
     // on the clipboard after its owner leaves (never a concealed or ignored copy, never an old one).
     bool m_newestIsOnClipboard = false;
     std::deque<std::shared_ptr<Pending>> m_pending;
+    QThreadPool m_writer; // one thread: files are written in capture order
     // Declared last, so it is destroyed first: its worker stops before anything its callbacks touch.
     std::unique_ptr<ThumbnailJob> m_thumbnails;
 };

@@ -41,11 +41,14 @@ struct History {
         model->start();
     }
     // Another program copies; the model sees the change at once, as the backend reports it.
+    // Its files are written on a worker: the copy is in the store once nothing is pending.
     void copy(std::vector<PasteboardItem> items) {
         now += 1000;
         fake.pasteboard->set(std::move(items));
+        waitForPending();
     }
     QStringList texts() {
+        waitForPending();
         QStringList t;
         for (const auto& item : store.items(100))
             t << item.plainText.value_or("-");
