@@ -1,6 +1,7 @@
 // How the clipboard history's search index behaves at its largest: a hundred thousand entries of
 // about two hundred characters. Building the base index, the first typed character (a scan of every
-// text), each further character (proportional to the surviving positions), and the memory held.
+// text), each further character (proportional to the surviving positions), captures and trims of
+// the oldest entry while a search is shown, and the memory held.
 #include "clipboard/ClipboardHistoryIndex.h"
 #include "clipboard/ClipboardHistorySearch.h"
 #include "clipboard/ClipboardSearchableText.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <deque>
 #include <random>
 
 using namespace velmora;
@@ -136,32 +138,43 @@ static void BaseMemory(benchmark::State& state) {
 }
 BENCHMARK(BaseMemory)->Iterations(1)->Unit(benchmark::kMillisecond);
 
+// The first character typed into an empty search field. Second argument 0: no lists of an earlier
+// search to reuse (they are let go when the field is emptied), so the index is written into fresh
+// memory; 1: reusing them.
 static void RefineFirstCharacter(benchmark::State& state) {
     const QString query = kQueries[static_cast<std::size_t>(state.range(0))].left(1);
-    const auto& base = baseIndex();
+    ClipboardHistoryIndex base = baseIndex();
     std::size_t found = 0;
     std::size_t bytes = 0;
+    std::vector<double> times;
     for (auto _ : state) {
+        if (state.range(1) == 0)
+            base.releaseSpareLists();
         const std::size_t before = heapInUse();
+        const auto start = std::chrono::steady_clock::now();
         const auto index = base.refined(query);
+        times.push_back(milliseconds(std::chrono::steady_clock::now() - start));
         bytes = heapInUse() - before;
         found = index.size();
     }
     state.SetLabel(query.toStdString());
     state.counters["found"] = static_cast<double>(found);
     state.counters["index_MB"] = static_cast<double>(bytes) / 1e6;
+    state.counters["p50_ms"] = percentile(times, 0.5);
+    state.counters["p99_ms"] = percentile(times, 0.99);
 }
-BENCHMARK(RefineFirstCharacter)->DenseRange(0, 4)->Unit(benchmark::kMillisecond);
+BENCHMARK(RefineFirstCharacter)->ArgsProduct({{0, 1, 2, 3, 4}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 // Typing a whole query one character at a time, as the search field does: each further character
 // refines the previous index. Reports the p99 and worst of those further steps.
 static void TypeQuery(benchmark::State& state) {
     const QString query = kQueries[static_cast<std::size_t>(state.range(0))];
-    const auto& base = baseIndex();
+    ClipboardHistoryIndex base = baseIndex();
     std::vector<double> first;
     std::vector<double> further;
     std::size_t found = 0;
     for (auto _ : state) {
+        base.releaseSpareLists(); // the field was empty before the first character
         auto start = std::chrono::steady_clock::now();
         ClipboardHistoryIndex index = base.refined(query.left(1));
         first.push_back(milliseconds(std::chrono::steady_clock::now() - start));
@@ -208,3 +221,45 @@ static void CaptureAndDeleteWhileFiltering(benchmark::State& state) {
     state.counters["found"] = static_cast<double>(search.matchingIds().size());
 }
 BENCHMARK(CaptureAndDeleteWhileFiltering)->Unit(benchmark::kMillisecond);
+
+// A full history shown filtered while captures arrive: each capture is inserted and, the history
+// being full, its oldest entry trimmed, in the base and the search index alike. Reports the time
+// of each capture with its trim.
+static void CaptureAndTrimWhileFiltering(benchmark::State& state) {
+    std::vector<ItemInfo> history = items();
+    ClipboardHistorySearch search(history);
+    const QString query = kQueries[static_cast<std::size_t>(state.range(0))].left(3);
+    search.setText(query.left(1));
+    search.setText(query);
+    std::deque<QUuid> oldestFirst;
+    for (auto it = history.rbegin(); it != history.rend(); ++it)
+        oldestFirst.push_back(it->id);
+    std::mt19937 random(7);
+    const auto words = vocabulary(random);
+    std::vector<ItemInfo> captures;
+    for (int i = 0; i < 4096; ++i) {
+        SimpleClipboardItem item = syntheticItem(random, words);
+        if (i % 4 == 0) // some captures match the search
+            item.plainText = item.plainText.value_or(QString()) + QStringLiteral(" ") + query;
+        captures.push_back({item.id, searchableText(item)});
+    }
+    std::vector<double> times;
+    std::size_t next = 0;
+    for (auto _ : state) {
+        ItemInfo capture = captures[next++ % captures.size()];
+        capture.id = QUuid::createUuid();
+        const QUuid id = capture.id;
+        const auto start = std::chrono::steady_clock::now();
+        search.insertNewest(std::move(capture));
+        search.remove(oldestFirst.front());
+        times.push_back(milliseconds(std::chrono::steady_clock::now() - start) * 1000);
+        oldestFirst.pop_front();
+        oldestFirst.push_back(id);
+    }
+    state.SetLabel(query.toStdString());
+    state.counters["found"] = static_cast<double>(search.matchingIds().size());
+    state.counters["p50_us"] = percentile(times, 0.5);
+    state.counters["p99_us"] = percentile(times, 0.99);
+    state.counters["max_us"] = percentile(times, 1.0);
+}
+BENCHMARK(CaptureAndTrimWhileFiltering)->Arg(0)->Arg(1)->Iterations(200000)->Unit(benchmark::kMicrosecond);

@@ -5,6 +5,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -15,26 +17,229 @@ namespace velmora {
 namespace {
 
 // How many entries ahead the loops ask for texts: their reads miss the cache one entry at a time
-// otherwise, and that waiting, not the comparing, is what a refine costs at a hundred thousand.
+// otherwise, and that waiting, not the comparing, is what a scan of the texts costs.
 constexpr std::size_t kPrefetchDistance = 16;
+// The UTF-16 units kept beside each position: one 64-bit word.
+constexpr int kFollowingUnits = 4;
+// Positions of a first character are grouped by the low byte of the unit after it.
+constexpr std::size_t kNextUnitBuckets = 256;
+// Deleted hits are left in place until there are this many and a quarter as many as live ones.
+constexpr std::size_t kFewestDeletedToCompact = 64;
 
 void prefetch(const void* address) {
     __builtin_prefetch(address);
 }
 
+// The query character the units beside each position begin at once `matched` characters matched:
+// the first character is found by a scan that keeps the four after it, those serve the next four
+// characters, then the four from there are read from the text, and so on. A function of the
+// query's length alone, so typing one character at a time and pasting agree.
+int followingFrom(int matched) {
+    return matched <= 1 ? 1 : 1 + kFollowingUnits * ((matched - 2) / kFollowingUnits);
+}
+
+// Up to four units of a text from `at` on, the first in the lowest bits; none past the end.
+std::uint64_t unitsFrom(const char16_t* units, int length, int at) {
+    const int count = std::min(kFollowingUnits, length - at);
+    std::uint64_t following = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        if (count == kFollowingUnits) {
+            std::memcpy(&following, units + at, sizeof following);
+            return following;
+        }
+    }
+    for (int slot = 0; slot < count; ++slot)
+        following |= static_cast<std::uint64_t>(units[at + slot]) << (16 * slot);
+    return following;
+}
+
+char16_t unitAt(std::uint64_t following, int slot) {
+    return static_cast<char16_t>(following >> (16 * slot));
+}
+
+// The query characters one refine checks beyond the scan, from `from` on, as single units: only a
+// text of one unit per character can match them that way, and none can when one of them is longer.
+struct FurtherCharacters {
+    FurtherCharacters(const SearchableCharacters& query, int from) : query(query), from(from) {
+        for (int k = from; k < query.size(); ++k) {
+            const QStringView character = query.at(k);
+            if (character.size() != 1) {
+                singleUnits = false;
+                break;
+            }
+            units.push_back(character.front().unicode());
+        }
+    }
+
+    const SearchableCharacters& query;
+    int from;
+    int end = query.size();
+    std::vector<char16_t> units;
+    bool singleUnits = true;
+};
+
+// A text as the scanning and narrowing loops read it.
+struct Text {
+    const ClipboardIndexEntry& entry;
+    const char16_t* units;
+    int characters;
+    bool oneUnitPerCharacter;
+
+    explicit Text(const ClipboardIndexEntry& entry)
+        : entry(entry), units(QStringView(entry.searchableText()).utf16()),
+          characters(entry.searchableCharacters.size()),
+          oneUnitPerCharacter(entry.searchableCharacters.isOneUnitPerCharacter()) {}
+};
+
+// Appends where `character` occurs in the text, by one pass over it, each position with the units
+// after it.
+template <typename Positions, typename Following>
+void scanFor(const Text& text, QStringView character, Positions& positions, Following& following) {
+    if (!text.oneUnitPerCharacter) {
+        for (int i = 0; i < text.characters; ++i) {
+            if (text.entry.searchableCharacters.equalsAt(i, character)) {
+                positions.push_back(i);
+                following.push_back(0); // positions count characters here, not units: unused
+            }
+        }
+        return;
+    }
+    if (character.size() != 1) // a text of single units never holds a longer character
+        return;
+    const char16_t wanted = character.front().unicode();
+    const auto found = [&](int at) __attribute__((always_inline)) {
+        positions.push_back(at);
+        following.push_back(unitsFrom(text.units, text.characters, at + 1));
+    };
+    int i = 0;
+#if defined(__SSE2__)
+    // Eight units at a time: this pass runs over every text of the history on the first character.
+    const __m128i pattern = _mm_set1_epi16(static_cast<short>(wanted));
+    for (; i + 8 <= text.characters; i += 8) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.units + i));
+        // One bit per byte: keep the low byte's bit of each matching unit.
+        auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(block, pattern))) & 0x5555u;
+        for (; mask != 0; mask &= mask - 1)
+            found(i + __builtin_ctz(mask) / 2);
+    }
+#endif
+    for (; i < text.characters; ++i) {
+        if (text.units[i] == wanted)
+            found(i);
+    }
+}
+
+// Whether the further characters follow at character p of a text with characters of several
+// units, which keeps no units beside its positions.
+inline bool followsByCharacters(const Text& text, const FurtherCharacters& further, int p) {
+    for (int k = further.from; k < further.query.size(); ++k) {
+        if (p + k >= text.characters || !text.entry.searchableCharacters.equalsAt(p + k, further.query.at(k)))
+            return false;
+    }
+    return true;
+}
+
+// Whether the further characters follow at position p of a text of `characters` single units,
+// compared with the units kept beside the position (`following`, updated to those the narrowed
+// position keeps). `units()` gives the text, read only when the units kept run out.
+template <typename UnitsOf>
+inline bool followsAt(int characters, UnitsOf&& units, const FurtherCharacters& further, int p,
+                      std::uint64_t& following) {
+    if (p + further.end > characters) // the text ends before the query does
+        return false;
+    int followingFromCharacter = followingFrom(further.from);
+    for (int k = further.from; k < further.end; ++k) {
+        if (k >= followingFromCharacter + kFollowingUnits) {
+            following = unitsFrom(units(), characters, p + k);
+            followingFromCharacter = k;
+        }
+        if (unitAt(following, k - followingFromCharacter) != further.units[k - further.from])
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
-ClipboardHistoryIndex::Hit ClipboardHistoryIndex::hitFor(const Entry& entry, std::uint32_t firstPosition) {
+struct ClipboardHistoryIndex::SpareLists {
+    Buffer<Hit> hits;
+    Buffer<int> positions;
+    Buffer<std::uint64_t> following;
+    Buffer<std::uint32_t> owners;
+    Buffer<std::uint32_t> byNextUnit;
+    bool filled = false;
+};
+
+ClipboardHistoryIndex& ClipboardHistoryIndex::operator=(ClipboardHistoryIndex other) noexcept {
+    swap(other);
+    return *this;
+}
+
+ClipboardHistoryIndex::~ClipboardHistoryIndex() {
+    keepListsForReuse();
+}
+
+void ClipboardHistoryIndex::swap(ClipboardHistoryIndex& other) noexcept {
+    using std::swap;
+    swap(m_query, other.m_query);
+    swap(m_store, other.m_store);
+    swap(m_chunks, other.m_chunks);
+    swap(m_hits, other.m_hits);
+    swap(m_live, other.m_live);
+    swap(m_positions, other.m_positions);
+    swap(m_following, other.m_following);
+    swap(m_owners, other.m_owners);
+    swap(m_spare, other.m_spare);
+    swap(m_hitsById, other.m_hitsById);
+    swap(m_hitsErased, other.m_hitsErased);
+    swap(m_byNextUnit, other.m_byNextUnit);
+    swap(m_nextUnitStarts, other.m_nextUnitStarts);
+}
+
+// One set of lists is enough: while typing, the index before last is let go as the next refine
+// begins. Only a searched index's lists are kept (the base has no positions).
+void ClipboardHistoryIndex::keepListsForReuse() {
+    if (!m_spare || m_spare->filled || m_positions.capacity() == 0)
+        return;
+    m_hits.clear();
+    m_positions.clear();
+    m_following.clear();
+    m_owners.clear();
+    m_byNextUnit.clear();
+    *m_spare = SpareLists{std::move(m_hits),   std::move(m_positions),  std::move(m_following),
+                          std::move(m_owners), std::move(m_byNextUnit), true};
+}
+
+void ClipboardHistoryIndex::reuseSpareLists() {
+    if (!m_spare || !m_spare->filled)
+        return;
+    m_hits = std::move(m_spare->hits);
+    m_positions = std::move(m_spare->positions);
+    m_following = std::move(m_spare->following);
+    m_owners = std::move(m_spare->owners);
+    m_byNextUnit = std::move(m_spare->byNextUnit);
+    *m_spare = SpareLists{};
+}
+
+void ClipboardHistoryIndex::releaseSpareLists() {
+    if (m_spare)
+        *m_spare = SpareLists{};
+}
+
+ClipboardHistoryIndex::Hit ClipboardHistoryIndex::hitFor(const Entry& entry, std::uint32_t number,
+                                                         std::uint32_t firstPosition) {
     const SearchableCharacters& characters = entry.searchableCharacters;
-    return Hit{&entry, QStringView(characters.text()).utf16(), characters.size(),
-               characters.isOneUnitPerCharacter(), firstPosition};
+    Hit hit{number, firstPosition, static_cast<std::uint32_t>(characters.size()), 0};
+    hit.oneUnitPerCharacter = characters.isOneUnitPerCharacter() ? 1 : 0;
+    return hit;
 }
 
 ClipboardHistoryIndex ClipboardHistoryIndex::base(std::vector<ItemInfo> itemsNewestFirst) {
     ClipboardHistoryIndex index;
-    index.m_entries = std::make_shared<Entries>();
-    Entries& entries = *index.m_entries;
-    entries.reserve(itemsNewestFirst.size());
+    index.m_store = std::make_shared<ClipboardIndexEntryStore>();
+    index.m_spare = std::make_shared<SpareLists>();
+    std::vector<ItemInfo*> kept;
+    kept.reserve(itemsNewestFirst.size());
     QSet<QUuid> seen;
     seen.reserve(static_cast<qsizetype>(itemsNewestFirst.size()));
     for (ItemInfo& item : itemsNewestFirst) {
@@ -44,14 +249,21 @@ ClipboardHistoryIndex ClipboardHistoryIndex::base(std::vector<ItemInfo> itemsNew
             continue;
         }
         seen.insert(item.id);
-        entries.push_back(std::make_shared<const Entry>(
-            Entry{item.id, SearchableCharacters(std::move(item.searchableText))}));
+        kept.push_back(&item);
     }
-    std::reverse(entries.begin(), entries.end());
-    index.m_hits.reserve(entries.size());
-    for (const auto& entry : entries)
-        index.m_hits.push_back(hitFor(*entry, 0));
+    index.m_hits.reserve(kept.size());
+    for (auto it = kept.rbegin(); it != kept.rend(); ++it)
+        index.append(Entry{(*it)->id, SearchableCharacters(std::move((*it)->searchableText))}, 0);
     return index;
+}
+
+void ClipboardHistoryIndex::append(Entry entry, std::uint32_t firstPosition) {
+    if (!m_store)
+        m_store = std::make_shared<ClipboardIndexEntryStore>();
+    const auto placed = m_store->add(std::move(entry));
+    m_hits.push_back(hitFor(*placed.entry, placed.number, firstPosition));
+    m_chunks.hold(ClipboardIndexEntryStore::chunkOf(placed.number), [&] { return m_store->newestChunk(); });
+    ++m_live;
 }
 
 bool ClipboardHistoryIndex::isPrefixOf(const SearchableCharacters& query) const {
@@ -78,114 +290,232 @@ ClipboardHistoryIndex ClipboardHistoryIndex::refined(const QString& lowerCasedQu
     return refinedFrom(*this, std::move(query));
 }
 
-namespace {
-
-// Appends where `character` occurs in the hit's text, by one pass over it.
-template <typename Hit> void scanFor(const Hit& hit, QStringView character, std::vector<int>& positions) {
-    if (!hit.oneUnitPerCharacter) {
-        for (int i = 0; i < hit.characters; ++i) {
-            if (hit.entry->searchableCharacters.equalsAt(i, character))
-                positions.push_back(i);
-        }
-        return;
-    }
-    if (character.size() != 1) // a text of single units never holds a longer character
-        return;
-    const char16_t wanted = character.front().unicode();
-    int i = 0;
-#if defined(__SSE2__)
-    // Eight units at a time: this pass runs over every text of the history on the first character.
-    const __m128i pattern = _mm_set1_epi16(static_cast<short>(wanted));
-    for (; i + 8 <= hit.characters; i += 8) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(hit.units + i));
-        // One bit per byte: keep the low byte's bit of each matching unit.
-        auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(block, pattern))) & 0x5555u;
-        for (; mask != 0; mask &= mask - 1)
-            positions.push_back(i + __builtin_ctz(mask) / 2);
-    }
-#endif
-    for (; i < hit.characters; ++i) {
-        if (hit.units[i] == wanted)
-            positions.push_back(i);
-    }
-}
-
-// Keeps the positions from `first` on at which the query's characters from `from` on follow.
-template <typename Hit>
-void narrow(const Hit& hit, const SearchableCharacters& query, int from, std::vector<int>& positions,
-            std::size_t first) {
-    for (int k = from; k < query.size() && positions.size() > first; ++k) {
-        const QStringView character = query.at(k);
-        const auto begin = positions.begin() + static_cast<std::ptrdiff_t>(first);
-        if (!hit.oneUnitPerCharacter) {
-            positions.erase(std::remove_if(begin, positions.end(),
-                                           [&](int p) {
-                                               return p + k >= hit.characters ||
-                                                      !hit.entry->searchableCharacters.equalsAt(p + k,
-                                                                                                character);
-                                           }),
-                            positions.end());
-        } else if (character.size() != 1) { // a text of single units never holds a longer character
-            positions.resize(first);
-        } else {
-            const char16_t wanted = character.front().unicode();
-            const int last = hit.characters - k; // positions at or past it have no character k
-            positions.erase(std::remove_if(begin, positions.end(),
-                                           [&](int p) { return p >= last || hit.units[p + k] != wanted; }),
-                            positions.end());
-        }
-    }
-}
-
-} // namespace
-
 ClipboardHistoryIndex ClipboardHistoryIndex::refinedFrom(const ClipboardHistoryIndex& source,
                                                          SearchableCharacters query) {
     if (query.size() == source.m_query.size())
         return source;
     ClipboardHistoryIndex result;
     result.m_query = std::move(query);
-    result.m_entries = source.m_entries;
-    const SearchableCharacters& wanted = result.m_query;
-    const int from = source.m_query.size();
-    const std::vector<Hit>& hits = source.m_hits;
-    for (std::size_t i = 0; i < hits.size(); ++i) {
-        const Hit& hit = hits[i];
-        if (i + kPrefetchDistance < hits.size())
-            source.prefetchText(i + kPrefetchDistance, from);
-        const std::size_t first = result.m_positions.size();
-        if (from == 0) {
-            scanFor(hit, wanted.at(0), result.m_positions);
-            narrow(hit, wanted, 1, result.m_positions, first);
-        } else {
-            result.m_positions.insert(result.m_positions.end(),
-                                      source.m_positions.begin() + hit.firstPosition,
-                                      source.m_positions.begin() + source.endOfPositions(i));
-            narrow(hit, wanted, from, result.m_positions, first);
-        }
-        if (result.m_positions.size() > first) {
-            Hit kept = hit;
-            kept.firstPosition = static_cast<std::uint32_t>(first);
-            result.m_hits.push_back(kept);
-        }
-    }
+    result.m_store = source.m_store;
+    result.m_spare = source.m_spare;
+    result.reuseSpareLists();
+    result.m_hits.reserve(source.m_live);
+    if (source.m_query.isEmpty())
+        result.scanFrom(source);
+    else
+        result.narrowFrom(source);
+    result.m_live = result.m_hits.size();
     return result;
 }
 
-void ClipboardHistoryIndex::prefetchText(std::size_t hit, int offset) const {
-    const char16_t* units = m_hits[hit].units;
-    if (m_query.isEmpty()) {
-        for (int at = 0; at < m_hits[hit].characters; at += 32) // a cache line holds 32 units
+// The first character by a scan of every text, then the further ones by narrowing each text's
+// positions.
+void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
+    const FurtherCharacters further(m_query, 1);
+    const QStringView character = m_query.at(0);
+    const auto& hits = source.m_hits;
+    Buffer<int> scanned;
+    Buffer<std::uint64_t> scannedFollowing;
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+        const Hit& hit = hits[i];
+        if (i + kPrefetchDistance < hits.size())
+            source.prefetchText(i + kPrefetchDistance, true, 0);
+        if (hit.isDeleted())
+            continue;
+        const Text text(source.entryOf(hit));
+        const std::size_t first = m_positions.size();
+        scanned.clear();
+        scannedFollowing.clear();
+        scanFor(text, character, m_query.size() == 1 ? m_positions : scanned,
+                m_query.size() == 1 ? m_following : scannedFollowing);
+        for (std::size_t j = 0; j < scanned.size(); ++j) {
+            std::uint64_t following = scannedFollowing[j];
+            const bool follows = text.oneUnitPerCharacter
+                                     ? further.singleUnits && followsAt(
+                                                                  text.characters, [&] { return text.units; },
+                                                                  further, scanned[j], following)
+                                     : followsByCharacters(text, further, scanned[j]);
+            if (follows) {
+                m_positions.push_back(scanned[j]);
+                m_following.push_back(following);
+            }
+        }
+        if (m_positions.size() > first) {
+            m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_hits.size()));
+            keep(source, hit, first);
+        }
+    }
+    if (m_query.size() == 1)
+        sortByNextUnit();
+}
+
+// Groups the positions of a first character by the unit after it, so that the second character
+// reads only those it can follow.
+void ClipboardHistoryIndex::sortByNextUnit() {
+    const std::size_t count = m_positions.size();
+    const auto bucketOf = [&](std::size_t j) {
+        return m_hits[m_owners[j]].oneUnitPerCharacter
+                   ? static_cast<std::size_t>(m_following[j] % kNextUnitBuckets)
+                   : kNextUnitBuckets;
+    };
+    std::vector<std::uint32_t> starts(kNextUnitBuckets + 2, 0);
+    for (std::size_t j = 0; j < count; ++j)
+        ++starts[bucketOf(j) + 1];
+    for (std::size_t b = 1; b < starts.size(); ++b)
+        starts[b] += starts[b - 1];
+    m_byNextUnit.resize(count);
+    std::vector<std::uint32_t> next(starts.begin(), starts.end() - 1);
+    for (std::size_t j = 0; j < count; ++j)
+        m_byNextUnit[next[bucketOf(j)]++] = static_cast<std::uint32_t>(j);
+    m_nextUnitStarts = std::move(starts);
+}
+
+void ClipboardHistoryIndex::forgetNextUnits() {
+    m_byNextUnit.clear();
+    m_nextUnitStarts.clear();
+}
+
+// The further characters by one pass over all positions, with the units kept beside them: no
+// text is read until those units run out. The pass writes every position and hit to buffers sized
+// for all of them and only advances past the kept ones: no branch on whether a position matches,
+// which would be mispredicted about as often as not.
+void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
+    const FurtherCharacters further(m_query, source.m_query.size());
+    const int window = followingFrom(further.from);
+    // The usual case, a character or a few typed: compared with the units kept, all at once.
+    const bool inKeptUnits = further.singleUnits && further.end <= window + kFollowingUnits;
+    std::uint64_t mask = 0;
+    std::uint64_t pattern = 0;
+    for (int k = further.from; inKeptUnits && k < further.end; ++k) {
+        mask |= std::uint64_t{0xFFFF} << (16 * (k - window));
+        pattern |= static_cast<std::uint64_t>(further.units[k - further.from]) << (16 * (k - window));
+    }
+    const bool readsTexts = !inKeptUnits && further.singleUnits;
+    const std::size_t count = source.m_positions.size();
+    // After the first character, only the positions followed by the second one's unit are read
+    // (and those in texts of several units per character, which are not sorted).
+    const bool byNextUnit = inKeptUnits && !source.m_nextUnitStarts.empty();
+    const std::uint32_t* sorted = source.m_byNextUnit.data();
+    std::size_t bucket = 0;
+    std::size_t bucketEnd = 0;
+    std::size_t wholeCharacters = 0;
+    std::size_t wholeCharactersEnd = 0;
+    if (byNextUnit) {
+        const std::size_t b = further.units.front() % kNextUnitBuckets;
+        bucket = source.m_nextUnitStarts[b];
+        bucketEnd = source.m_nextUnitStarts[b + 1];
+        wholeCharacters = source.m_nextUnitStarts[kNextUnitBuckets];
+        wholeCharactersEnd = source.m_nextUnitStarts[kNextUnitBuckets + 1];
+    }
+    const std::size_t capacity =
+        byNextUnit ? bucketEnd - bucket + wholeCharactersEnd - wholeCharacters : count;
+    m_positions.resize(capacity);
+    m_following.resize(capacity);
+    m_owners.resize(capacity);
+    m_hits.resize(source.m_hits.size() + 1);
+    // Raw pointers, so that the compiler keeps them in registers across the stores.
+    const std::uint32_t* owners = source.m_owners.data();
+    const int* positions = source.m_positions.data();
+    const std::uint64_t* followingUnits = source.m_following.data();
+    const Hit* sourceHits = source.m_hits.data();
+    int* keptPositions = m_positions.data();
+    std::uint64_t* keptFollowing = m_following.data();
+    std::uint32_t* keptOwners = m_owners.data();
+    Hit* keptHits = m_hits.data();
+    std::size_t kept = 0;
+    std::size_t hits = 0;
+    std::uint32_t lastOwner = Hit::kDeleted;
+    const auto visit = [&](std::size_t j) __attribute__((always_inline)) {
+        const std::uint32_t owner = owners[j];
+        const Hit& hit = sourceHits[owner];
+        const int p = positions[j];
+        std::uint64_t following = followingUnits[j];
+        bool follows;
+        if (inKeptUnits && hit.oneUnitPerCharacter && !hit.isDeleted()) {
+            follows = ((following & mask) == pattern) & (p + further.end <= static_cast<int>(hit.characters));
+        } else {
+            if (readsTexts && j + kPrefetchDistance < count)
+                source.prefetchFollowing(j + kPrefetchDistance, further.from);
+            follows =
+                !hit.isDeleted() &&
+                (hit.oneUnitPerCharacter
+                     ? further.singleUnits &&
+                           followsAt(
+                               static_cast<int>(hit.characters),
+                               [&] { return QStringView(source.entryOf(hit).searchableText()).utf16(); },
+                               further, p, following)
+                     : followsByCharacters(Text(source.entryOf(hit)), further, p));
+        }
+        const bool firstOfHit = follows & (owner != lastOwner);
+        keptHits[hits] =
+            Hit{hit.entry, static_cast<std::uint32_t>(kept), hit.characters, hit.oneUnitPerCharacter};
+        hits += firstOfHit;
+        lastOwner = firstOfHit ? owner : lastOwner;
+        keptPositions[kept] = p;
+        keptFollowing[kept] = following;
+        keptOwners[kept] = static_cast<std::uint32_t>(hits - 1);
+        kept += follows;
+    };
+    if (!byNextUnit) {
+        for (std::size_t j = 0; j < count; ++j)
+            visit(j);
+    } else {
+        // Both lists ascend: merged, the positions stay in the order of their hits.
+        while (bucket < bucketEnd || wholeCharacters < wholeCharactersEnd) {
+            if (bucket + kPrefetchDistance < bucketEnd) { // scattered reads: ask for them ahead
+                const std::uint32_t ahead = sorted[bucket + kPrefetchDistance];
+                prefetch(owners + ahead);
+                prefetch(positions + ahead);
+                prefetch(followingUnits + ahead);
+            }
+            const bool fromBucket = wholeCharacters == wholeCharactersEnd ||
+                                    (bucket < bucketEnd && sorted[bucket] < sorted[wholeCharacters]);
+            visit(fromBucket ? sorted[bucket++] : sorted[wholeCharacters++]);
+        }
+    }
+    m_positions.resize(kept);
+    m_following.resize(kept);
+    m_owners.resize(kept);
+    m_hits.resize(hits);
+    for (const Hit& hit : m_hits) {
+        const std::uint32_t chunk = ClipboardIndexEntryStore::chunkOf(hit.entry);
+        m_chunks.hold(chunk, [&] { return source.m_chunks.at(chunk); });
+    }
+}
+
+void ClipboardHistoryIndex::keep(const ClipboardHistoryIndex& source, const Hit& hit,
+                                 std::size_t firstPosition) {
+    m_hits.push_back(
+        Hit{hit.entry, static_cast<std::uint32_t>(firstPosition), hit.characters, hit.oneUnitPerCharacter});
+    const std::uint32_t chunk = ClipboardIndexEntryStore::chunkOf(hit.entry);
+    m_chunks.hold(chunk, [&] { return source.m_chunks.at(chunk); });
+}
+
+void ClipboardHistoryIndex::prefetchText(std::size_t hit, bool whole, int offset) const {
+    const Hit& ahead = m_hits[hit];
+    if (ahead.isDeleted())
+        return;
+    const char16_t* units = QStringView(entryOf(ahead).searchableText()).utf16();
+    if (whole) {
+        for (std::uint32_t at = 0; at < ahead.characters; at += 32) // a cache line holds 32 units
             prefetch(units + at);
         return;
     }
-    // The units the next character is compared with; only for texts of one unit per character
-    // are positions also offsets, and those are nearly all.
-    if (!m_hits[hit].oneUnitPerCharacter)
+    // Only for texts of one unit per character are positions also offsets; those are nearly all.
+    if (!ahead.oneUnitPerCharacter)
         return;
     const std::uint32_t end = endOfPositions(hit);
-    for (std::uint32_t p = m_hits[hit].firstPosition; p < end; ++p)
+    for (std::uint32_t p = ahead.firstPosition; p < end; ++p)
         prefetch(units + m_positions[p] + offset);
+}
+
+void ClipboardHistoryIndex::prefetchFollowing(std::size_t position, int offset) const {
+    const Hit& ahead = m_hits[m_owners[position]];
+    if (ahead.isDeleted() || !ahead.oneUnitPerCharacter)
+        return;
+    // Two reads in a row miss the cache here: the entry for its text, then the text.
+    const Entry& entry = entryOf(ahead);
+    prefetch(QStringView(entry.searchableText()).utf16() + m_positions[position] + offset);
 }
 
 std::uint32_t ClipboardHistoryIndex::endOfPositions(std::size_t hit) const {
@@ -195,7 +525,7 @@ std::uint32_t ClipboardHistoryIndex::endOfPositions(std::size_t hit) const {
 
 const ClipboardHistoryIndex::Entry* ClipboardHistoryIndex::entry(const QUuid& id) const {
     const auto hit = find(id);
-    return hit ? m_hits[*hit].entry : nullptr;
+    return hit ? &entryOf(m_hits[*hit]) : nullptr;
 }
 
 std::span<const int> ClipboardHistoryIndex::positions(const QUuid& id) const {
@@ -209,29 +539,25 @@ std::span<const int> ClipboardHistoryIndex::positions(const QUuid& id) const {
 std::optional<std::size_t> ClipboardHistoryIndex::find(const QUuid& id) const {
     if (!m_hitsById) {
         QHash<QUuid, std::size_t> hits;
-        hits.reserve(static_cast<qsizetype>(m_hits.size()));
-        for (std::size_t i = 0; i < m_hits.size(); ++i)
-            hits.insert(m_hits[i].entry->id, i);
+        hits.reserve(static_cast<qsizetype>(m_live));
+        for (std::size_t i = 0; i < m_hits.size(); ++i) {
+            if (!m_hits[i].isDeleted())
+                hits.insert(entryOf(m_hits[i]).id, i + m_hitsErased);
+        }
         m_hitsById = std::move(hits);
     }
     const auto it = m_hitsById->constFind(id);
-    return it == m_hitsById->cend() ? std::nullopt : std::optional(*it);
+    return it == m_hitsById->cend() ? std::nullopt : std::optional(*it - m_hitsErased);
 }
 
 std::vector<QUuid> ClipboardHistoryIndex::ids() const {
     std::vector<QUuid> ids;
-    ids.reserve(m_hits.size());
-    for (auto it = m_hits.rbegin(); it != m_hits.rend(); ++it)
-        ids.push_back(it->entry->id);
+    ids.reserve(m_live);
+    for (auto it = m_hits.rbegin(); it != m_hits.rend(); ++it) {
+        if (!it->isDeleted())
+            ids.push_back(entryOf(*it).id);
+    }
     return ids;
-}
-
-ClipboardHistoryIndex::Entries& ClipboardHistoryIndex::ownEntries() {
-    if (!m_entries)
-        m_entries = std::make_shared<Entries>();
-    else if (m_entries.use_count() > 1)
-        m_entries = std::make_shared<Entries>(*m_entries);
-    return *m_entries;
 }
 
 bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
@@ -240,18 +566,33 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
                                << "is already in the search index; not added again";
         return false;
     }
-    auto entry =
-        std::make_shared<const Entry>(Entry{item.id, SearchableCharacters(std::move(item.searchableText))});
-    const Hit hit = hitFor(*entry, static_cast<std::uint32_t>(m_positions.size()));
+    Entry entry{item.id, SearchableCharacters(std::move(item.searchableText))};
+    const auto first = static_cast<std::uint32_t>(m_positions.size());
     if (!m_query.isEmpty()) {
-        scanFor(hit, m_query.at(0), m_positions);
-        narrow(hit, m_query, 1, m_positions, hit.firstPosition);
-        if (m_positions.size() == hit.firstPosition)
+        // Matched before it is stored: an entry this index does not list costs the store nothing.
+        const Text text(entry);
+        std::vector<int> scanned;
+        std::vector<std::uint64_t> following;
+        scanFor(text, m_query.at(0), scanned, following);
+        const FurtherCharacters further(m_query, 1);
+        for (std::size_t j = 0; j < scanned.size(); ++j) {
+            const bool follows = text.oneUnitPerCharacter
+                                     ? further.singleUnits && followsAt(
+                                                                  text.characters, [&] { return text.units; },
+                                                                  further, scanned[j], following[j])
+                                     : followsByCharacters(text, further, scanned[j]);
+            if (follows) {
+                m_positions.push_back(scanned[j]);
+                m_following.push_back(following[j]);
+            }
+        }
+        if (m_positions.size() == first)
             return true;
+        m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_hits.size()));
+        forgetNextUnits();
     }
-    ownEntries().push_back(std::move(entry));
-    m_hits.push_back(hit);
-    m_hitsById->insert(item.id, m_hits.size() - 1);
+    append(std::move(entry), first);
+    m_hitsById->insert(item.id, m_hits.size() - 1 + m_hitsErased);
     return true;
 }
 
@@ -259,31 +600,74 @@ bool ClipboardHistoryIndex::remove(const QUuid& id) {
     const auto found = find(id);
     if (!found)
         return false;
-    const std::size_t index = *found;
-    const Entry* removed = m_hits[index].entry;
-    const std::uint32_t first = m_hits[index].firstPosition;
-    const std::uint32_t count = endOfPositions(index) - first;
-    m_positions.erase(m_positions.begin() + first, m_positions.begin() + first + count);
-    m_hits.erase(m_hits.begin() + static_cast<std::ptrdiff_t>(index));
-    for (std::size_t i = index; i < m_hits.size(); ++i)
-        m_hits[i].firstPosition -= count;
-    // Deleting the newest entry shifts no other; any other deletion makes the table stale.
-    if (index == m_hits.size())
-        m_hitsById->remove(id);
-    else
-        m_hitsById.reset();
-    Entries& entries = ownEntries();
-    const auto owned =
-        std::find_if(entries.begin(), entries.end(), [&](const auto& e) { return e.get() == removed; });
-    if (owned != entries.end())
-        entries.erase(owned);
+    m_hitsById->remove(id); // before the entry can go with its chunk: `id` may be the entry's own
+    Hit& hit = m_hits[*found];
+    m_chunks.release(ClipboardIndexEntryStore::chunkOf(hit.entry));
+    hit.entry = Hit::kDeleted;
+    --m_live;
+    dropDeletedNewest();
+    compactIfSparse();
     return true;
 }
 
+// Deleted hits at the end are dropped at once, so that a capture deleted again leaves nothing.
+void ClipboardHistoryIndex::dropDeletedNewest() {
+    while (!m_hits.empty() && m_hits.back().isDeleted()) {
+        m_positions.resize(m_hits.back().firstPosition);
+        m_following.resize(m_hits.back().firstPosition);
+        m_owners.resize(m_hits.back().firstPosition);
+        forgetNextUnits();
+        m_hits.pop_back();
+    }
+}
+
+// In place, so that no fresh memory is written: compacting the lists of a common letter moves
+// tens of megabytes.
+void ClipboardHistoryIndex::compactIfSparse() {
+    const std::size_t deleted = m_hits.size() - m_live;
+    if (deleted < kFewestDeletedToCompact || deleted < m_live / 4)
+        return;
+    std::size_t oldest = 0;
+    while (m_hits[oldest].isDeleted())
+        ++oldest;
+    std::size_t hits = 0;
+    std::size_t positions = 0;
+    for (std::size_t i = 0; i < m_hits.size(); ++i) {
+        if (m_hits[i].isDeleted())
+            continue;
+        // The next hit, not yet moved, still tells where this one's positions end.
+        const std::uint32_t begin = m_hits[i].firstPosition;
+        const std::uint32_t end = endOfPositions(i);
+        for (std::uint32_t j = begin; j < end; ++j) {
+            m_positions[positions + j - begin] = m_positions[j];
+            m_following[positions + j - begin] = m_following[j];
+            m_owners[positions + j - begin] = static_cast<std::uint32_t>(hits);
+        }
+        m_hits[hits] = m_hits[i];
+        m_hits[hits].firstPosition = static_cast<std::uint32_t>(positions);
+        positions += end - begin;
+        ++hits;
+    }
+    m_hits.resize(hits);
+    m_positions.resize(positions);
+    m_following.resize(positions);
+    m_owners.resize(positions);
+    forgetNextUnits();
+    // Trimming deletes the oldest: the others keep their order and the ids' table stays right.
+    if (oldest == deleted)
+        m_hitsErased += oldest;
+    else
+        m_hitsById.reset();
+}
+
 void ClipboardHistoryIndex::clear() {
-    m_entries.reset();
     m_hits.clear();
     m_positions.clear();
+    m_following.clear();
+    m_owners.clear();
+    forgetNextUnits();
+    m_chunks.clear();
+    m_live = 0;
     m_hitsById.reset();
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "clipboard/SearchableCharacters.h"
+#include "clipboard/ClipboardIndexEntry.h"
+#include "clipboard/ClipboardIndexEntryStore.h"
+#include "clipboard/DefaultInitAllocator.h"
+#include "clipboard/HeldEntryChunks.h"
 
 #include <QHash>
 #include <QString>
@@ -23,13 +26,20 @@ namespace velmora {
 // list per distinct character would cost hundreds of megabytes, while scanning for the first
 // character when refining from the base is a single pass over the texts.
 //
-// Entries are shared, unchanged, between an index and those refined from it, and a refined index
-// keeps its positions in one flat list: refining allocates nothing per entry and touches each
-// surviving entry's text once.
+// Beside each position the index keeps the next four UTF-16 units of the text (the characters
+// after the query's first, in texts of one unit per character), taken while the text is in the
+// cache anyway. The next characters are checked against those: reading a hundred thousand texts at
+// scattered places, not comparing, is what a refine would otherwise cost.
+//
+// Entries live in a store the index shares with those refined or copied from it (see
+// ClipboardIndexEntryStore), so a capture or deletion changes one index without copying the
+// others' entries. A deletion leaves a gap in the lists that a later compaction closes: deleting
+// costs amortised constant time wherever the entry is, trimming the oldest included.
 //
 // Matching is exact containment of the lower-cased query in the lower-cased searchable text,
 // compared character by character (grapheme clusters): no word splitting and no diacritic folding.
-// Not for use from several threads at once (membership look-ups fill a cache).
+// Not for use from several threads at once, nor are indexes sharing entries (membership look-ups
+// fill a cache; captures write into the shared store).
 class ClipboardHistoryIndex {
 public:
     struct ItemInfo {
@@ -37,12 +47,14 @@ public:
         QString searchableText; // lower-cased, see searchableText(const SimpleClipboardItem&)
     };
 
-    struct Entry {
-        QUuid id;
-        SearchableCharacters searchableCharacters;
+    using Entry = ClipboardIndexEntry;
 
-        const QString& searchableText() const { return searchableCharacters.text(); }
-    };
+    ClipboardHistoryIndex() = default;
+    ClipboardHistoryIndex(const ClipboardHistoryIndex&) = default;
+    ClipboardHistoryIndex(ClipboardHistoryIndex&&) noexcept = default;
+    // Copies and moves alike: the lists this index held become spare ones for the next refine.
+    ClipboardHistoryIndex& operator=(ClipboardHistoryIndex other) noexcept;
+    ~ClipboardHistoryIndex();
 
     // Items newest first; the index keeps that order. A repeated id is logged and only its newest
     // occurrence indexed.
@@ -58,8 +70,8 @@ public:
 
     const QString& query() const { return m_query.text(); }
     int prefixLength() const { return m_query.size(); }
-    std::size_t size() const { return m_hits.size(); }
-    bool isEmpty() const { return m_hits.empty(); }
+    std::size_t size() const { return m_live; }
+    bool isEmpty() const { return m_live == 0; }
 
     bool contains(const QUuid& id) const { return find(id).has_value(); }
     const Entry* entry(const QUuid& id) const;
@@ -74,34 +86,70 @@ public:
     // Returns whether the id was indexed.
     bool remove(const QUuid& id);
     void clear();
+    // Frees the lists kept for the next refine by this index and those it shares entries with
+    // (see m_spare); for when no search is shown.
+    void releaseSpareLists();
 
 private:
-    // One listed entry, with what the narrowing loops read kept beside it.
+    // One listed entry, with what the narrowing loops read kept beside it: small, since refining
+    // copies one per surviving entry.
     struct Hit {
-        const Entry* entry;
-        const char16_t* units; // the entry's text
-        int characters;
-        bool oneUnitPerCharacter;
-        std::uint32_t firstPosition; // into m_positions; the list ends where the next hit's begins
-    };
-    using Entries = std::vector<std::shared_ptr<const Entry>>;
+        static constexpr std::uint32_t kDeleted = 0xFFFFFFFF;
 
-    static Hit hitFor(const Entry& entry, std::uint32_t firstPosition);
+        std::uint32_t entry;         // its number in the store, kDeleted until the next compaction
+        std::uint32_t firstPosition; // into m_positions; the list ends where the next hit's begins
+        std::uint32_t characters : 31;
+        std::uint32_t oneUnitPerCharacter : 1;
+
+        bool isDeleted() const { return entry == kDeleted; }
+    };
+
+    static Hit hitFor(const Entry& entry, std::uint32_t number, std::uint32_t firstPosition);
+    const Entry& entryOf(const Hit& hit) const { return m_chunks.entry(hit.entry); }
     static ClipboardHistoryIndex refinedFrom(const ClipboardHistoryIndex& source, SearchableCharacters query);
     bool isPrefixOf(const SearchableCharacters& query) const;
     std::optional<std::size_t> find(const QUuid& id) const;
     std::uint32_t endOfPositions(std::size_t hit) const;
-    void prefetchText(std::size_t hit, int offset) const;
-    // The entries for changing: copied first when another index shares them.
-    Entries& ownEntries();
+    // Stores the entry and lists it last, its positions from firstPosition on.
+    void append(Entry entry, std::uint32_t firstPosition);
+    void scanFrom(const ClipboardHistoryIndex& source);
+    void narrowFrom(const ClipboardHistoryIndex& source);
+    // Lists the source's hit last, its positions from firstPosition on.
+    void keep(const ClipboardHistoryIndex& source, const Hit& hit, std::size_t firstPosition);
+    void prefetchText(std::size_t hit, bool whole, int offset) const;
+    void prefetchFollowing(std::size_t position, int offset) const;
+    void swap(ClipboardHistoryIndex& other) noexcept;
+    void keepListsForReuse();
+    void reuseSpareLists();
+    void sortByNextUnit();
+    void forgetNextUnits();
+    void dropDeletedNewest();
+    void compactIfSparse();
 
     SearchableCharacters m_query;
-    // Keeps every listed entry alive; may hold more (an index refined from the base shares its list).
-    std::shared_ptr<Entries> m_entries;
-    std::vector<Hit> m_hits; // oldest first, so that a capture is an append
-    std::vector<int> m_positions;
-    // id -> position in m_hits, filled on the first look-up; dropped when positions shift.
+    std::shared_ptr<ClipboardIndexEntryStore> m_store;
+    HeldEntryChunks m_chunks;
+    template <typename T> using Buffer = std::vector<T, DefaultInitAllocator<T>>;
+
+    Buffer<Hit> m_hits;     // oldest first, so that a capture is an append
+    std::size_t m_live = 0; // hits not deleted
+    Buffer<int> m_positions;
+    // Beside each position, the text's UTF-16 units from a query character on (see followingFrom).
+    Buffer<std::uint64_t> m_following;
+    // Beside each position, its hit: narrowing is one pass over the positions, not a loop per hit.
+    Buffer<std::uint32_t> m_owners;
+    // Of a first character's index only, until it changes: position indices grouped by the unit
+    // after each position, and where each group starts (see sortByNextUnit).
+    Buffer<std::uint32_t> m_byNextUnit;
+    std::vector<std::uint32_t> m_nextUnitStarts;
+    // Lists of an index let go, kept for the next refine in the family: writing into fresh memory
+    // costs a page fault per 4 KiB, more than the narrowing itself.
+    struct SpareLists;
+    std::shared_ptr<SpareLists> m_spare;
+    // id -> position in m_hits plus m_hitsErased, filled on the first look-up; dropped when
+    // positions shift other than by erasing the oldest.
     mutable std::optional<QHash<QUuid, std::size_t>> m_hitsById;
+    std::size_t m_hitsErased = 0;
 };
 
 } // namespace velmora

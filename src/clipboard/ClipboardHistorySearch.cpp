@@ -10,6 +10,7 @@ ClipboardHistorySearch::ClipboardHistorySearch(std::vector<ClipboardHistoryIndex
 void ClipboardHistorySearch::setText(const QString& text) {
     if (text.isEmpty()) {
         m_search.reset();
+        m_base.releaseSpareLists();
         return;
     }
     const QString query = text.toLower();

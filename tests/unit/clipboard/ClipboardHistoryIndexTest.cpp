@@ -231,3 +231,135 @@ TEST(ClipboardHistoryIndex, AgreesWithABruteForceCharacterSearch) {
         }
     }
 }
+
+namespace {
+
+// Where the query's characters begin in the text, by brute force over the characters.
+std::vector<int> positionsByCharacters(const QString& text, const QString& query) {
+    const auto haystack = graphemes(text);
+    const auto needle = graphemes(query);
+    std::vector<int> result;
+    for (std::size_t at = 0; at + needle.size() <= haystack.size(); ++at) {
+        if (std::equal(needle.begin(), needle.end(), haystack.begin() + static_cast<std::ptrdiff_t>(at)))
+            result.push_back(static_cast<int>(at));
+    }
+    return result;
+}
+
+// Checks the index against the history (oldest first) by brute force: entries and positions.
+void expectAgreesWithHistory(const ClipboardHistoryIndex& index, const std::vector<ItemInfo>& oldestFirst) {
+    std::vector<QUuid> expected;
+    for (auto it = oldestFirst.rbegin(); it != oldestFirst.rend(); ++it) {
+        if (index.query().isEmpty() || containsByCharacters(it->searchableText, index.query()))
+            expected.push_back(it->id);
+    }
+    ASSERT_EQ(index.ids(), expected) << "query " << index.query().toStdString();
+    EXPECT_EQ(index.size(), expected.size());
+    for (const ItemInfo& item : oldestFirst) {
+        if (index.query().isEmpty() || !index.contains(item.id))
+            continue;
+        EXPECT_EQ(positionsIn(index, item.id), positionsByCharacters(item.searchableText, index.query()))
+            << "query " << index.query().toStdString() << " in " << item.searchableText.toStdString();
+        EXPECT_EQ(index.entry(item.id)->searchableText(), item.searchableText);
+    }
+}
+
+} // namespace
+
+// Long queries over a small alphabet, typed a character at a time and a few at once: past the
+// units kept beside each position the texts are read again, on texts of single units and of
+// several.
+TEST(ClipboardHistoryIndex, AgreesWithABruteForceSearchForLongQueries) {
+    const std::vector<QString> pieces{"a", "b", "a", "b", " ", "\u00E9", "e\u0301", "\U0001F469"};
+    std::mt19937 random(11);
+    const auto randomText = [&](int length, bool plain) {
+        QString text;
+        for (int i = 0; i < length; ++i)
+            text += pieces[random() % (plain ? 5 : pieces.size())];
+        return text;
+    };
+    std::vector<ItemInfo> items;
+    for (int i = 0; i < 200; ++i)
+        items.push_back(item(randomText(5 + static_cast<int>(random() % 40), i % 4 != 0)));
+    const auto base = ClipboardHistoryIndex::base(items);
+    const std::vector<ItemInfo> oldestFirst(items.rbegin(), items.rend());
+
+    for (int round = 0; round < 60; ++round) {
+        const QString query = randomText(2 + static_cast<int>(random() % 10), round % 3 != 0);
+        ClipboardHistoryIndex index = base;
+        for (qsizetype typed = 1; typed <= query.size(); typed += 1 + static_cast<qsizetype>(random() % 3)) {
+            const QString prefix = query.left(typed);
+            index = index.canBeRefinedTo(prefix) ? index.refined(prefix) : base.refined(prefix);
+            expectAgreesWithHistory(index, oldestFirst);
+            if (index.isEmpty())
+                break;
+        }
+    }
+}
+
+// Captures, trims of the oldest and deletions anywhere, many more than the history holds, in a
+// base index and in refined ones kept meanwhile: each keeps agreeing with the history it was told
+// of, also across compactions and with the entries other indexes dropped.
+TEST(ClipboardHistoryIndex, FollowsALongRunOfCapturesAndDeletions) {
+    const std::vector<QString> words{"ab", "ba", "aab", "b ", "\u00E9", "e\u0301a", "abba"};
+    std::mt19937 random(5);
+    const auto randomText = [&] {
+        QString text;
+        const int count = 1 + static_cast<int>(random() % 6);
+        for (int i = 0; i < count; ++i)
+            text += words[random() % words.size()];
+        return text;
+    };
+    std::vector<ItemInfo> oldestFirst;
+    for (int i = 0; i < 300; ++i)
+        oldestFirst.push_back(item(randomText()));
+    auto base = ClipboardHistoryIndex::base({oldestFirst.rbegin(), oldestFirst.rend()});
+    auto ab = base.refined("ab");
+    auto abbaab = ab.refined("abbaab"); // past the units kept beside positions
+    auto accented = base.refined("e\u0301a");
+    std::vector<ClipboardHistoryIndex*> indexes{&base, &ab, &abbaab, &accented};
+
+    for (int step = 0; step < 3000; ++step) {
+        const auto choice = random() % 10;
+        if (choice < 5 || oldestFirst.size() < 50) {
+            const ItemInfo captured = item(randomText());
+            for (ClipboardHistoryIndex* index : indexes)
+                EXPECT_TRUE(index->insertNewest(captured));
+            oldestFirst.push_back(captured);
+        }
+        if (choice < 8 && !oldestFirst.empty()) { // trimming the oldest
+            const QUuid oldest = oldestFirst.front().id;
+            oldestFirst.erase(oldestFirst.begin());
+            for (ClipboardHistoryIndex* index : indexes)
+                index->remove(oldest);
+        } else if (!oldestFirst.empty()) { // a deletion anywhere
+            const auto at = static_cast<std::ptrdiff_t>(random() % oldestFirst.size());
+            const QUuid deleted = oldestFirst[static_cast<std::size_t>(at)].id;
+            oldestFirst.erase(oldestFirst.begin() + at);
+            for (ClipboardHistoryIndex* index : indexes)
+                index->remove(deleted);
+        }
+        if (step % 500 == 0) {
+            for (ClipboardHistoryIndex* index : indexes)
+                expectAgreesWithHistory(*index, oldestFirst);
+            // A fresh refine of the changed base agrees too.
+            expectAgreesWithHistory(base.refined("ba"), oldestFirst);
+        }
+    }
+    for (ClipboardHistoryIndex* index : indexes)
+        expectAgreesWithHistory(*index, oldestFirst);
+}
+
+TEST(ClipboardHistoryIndex, KeepsAnEntryAnotherIndexDeleted) {
+    std::vector<ItemInfo> items;
+    for (int i = 0; i < 300; ++i) // a few chunks of entries
+        items.push_back(item(QStringLiteral("entry %1").arg(i)));
+    auto base = ClipboardHistoryIndex::base(items);
+    const auto entry7 = base.refined("entry 7");
+    for (const ItemInfo& each : items)
+        base.remove(each.id);
+    EXPECT_TRUE(base.isEmpty());
+    EXPECT_EQ(entry7.size(), 11u); // 7, 70-79
+    EXPECT_EQ(entry7.entry(items[7].id)->searchableText(), QStringLiteral("entry 7"));
+    EXPECT_EQ(entry7.refined("entry 79").ids(), (std::vector<QUuid>{items[79].id}));
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "clipboard/SearchableCharacters.h"
+
+#include <QString>
+#include <QUuid>
+
+namespace velmora {
+
+// One history entry as the search indexes hold it.
+struct ClipboardIndexEntry {
+    QUuid id;
+    SearchableCharacters searchableCharacters;
+
+    const QString& searchableText() const { return searchableCharacters.text(); }
+};
+
+} // namespace velmora
