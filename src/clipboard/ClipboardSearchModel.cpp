@@ -3,6 +3,7 @@
 #include "clipboard/AppModelContainer.h"
 #include "clipboard/ClipboardLog.h"
 #include "clipboard/ClipboardSearchLoader.h"
+#include "core/MemoryRelease.h"
 
 #include <QElapsedTimer>
 #include <QtConcurrent>
@@ -17,7 +18,7 @@ ClipboardSearchModel::ClipboardSearchModel(AppModelContainer& store, QObject* pa
     connect(&m_store, &AppModelContainer::itemsRemoved, this,
             [this](const QList<QUuid>& ids) { record(Removed{ids}); });
     connect(&m_store, &AppModelContainer::allRemoved, this, [this] { record(Cleared{}); });
-    connect(&m_loading, &QFutureWatcher<std::vector<ClipboardHistoryIndex::ItemInfo>>::finished, this,
+    connect(&m_loading, &QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>>::finished, this,
             &ClipboardSearchModel::loaded);
 }
 
@@ -39,14 +40,17 @@ void ClipboardSearchModel::start() {
         if (!error.isEmpty())
             qCWarning(lcClipboard).noquote()
                 << "The clipboard history could not be read for searching:" << error;
-        qCInfo(lcClipboard) << "Search index read:" << items.size() << "entries in" << timer.elapsed()
-                            << "ms";
-        return items;
+        const std::size_t count = items.size();
+        auto search = std::make_shared<ClipboardHistorySearch>(std::move(items));
+        qCInfo(lcClipboard) << "Search index read:" << count << "entries in" << timer.elapsed() << "ms";
+        return search;
     }));
 }
 
 void ClipboardSearchModel::loaded() {
-    m_search = ClipboardHistorySearch(m_loading.result());
+    // Moved out: what the future keeps is an empty search.
+    m_search = std::move(*m_loading.result());
+    releaseFreedMemory(); // what reading the whole history took and no longer needs
     for (const Change& change : m_changesWhileLoading)
         apply(change);
     m_changesWhileLoading.clear();
@@ -75,9 +79,13 @@ void ClipboardSearchModel::apply(const Change& change) {
 }
 
 std::optional<std::vector<QUuid>> ClipboardSearchModel::setText(const QString& text) {
+    const bool wasFiltering = m_search.isFiltering();
     m_search.setText(text);
-    if (!m_search.isFiltering())
+    if (!m_search.isFiltering()) {
+        if (wasFiltering)
+            releaseFreedMemory(); // the search's position lists
         return std::nullopt;
+    }
     return m_search.matchingIds();
 }
 

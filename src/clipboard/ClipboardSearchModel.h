@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QUuid>
 
+#include <memory>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -57,7 +58,8 @@ private:
     bool m_ready = false;
     // What happened in the store while the index was being read, applied once it is in.
     std::vector<Change> m_changesWhileLoading;
-    QFutureWatcher<std::vector<ClipboardHistoryIndex::ItemInfo>> m_loading;
+    // The whole search, read and built on a worker; handed over once, then used here only.
+    QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>> m_loading;
 };
 
 } // namespace velmora

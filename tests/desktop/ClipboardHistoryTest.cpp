@@ -179,3 +179,46 @@ TEST(ClipboardHistoryStore, AnAgentKilledInABurstOfCopiesLeavesAStoreThatOpensWh
     }
     EXPECT_EQ(again.quit(), 0);
 }
+
+TEST_F(ClipboardHistory, AnOwnerThatNeverAnswersCostsNothingButItsCopy) {
+    TestWindow silent(desktop, "Silent", {"--hold-clipboard-silently"});
+    ASSERT_TRUE(waitUntil([&] { return silent.output().contains("holding"); }));
+    // While the reader waits for an answer that never comes, the agent serves its shortcuts and
+    // commands as ever.
+    notes.activate();
+    desktop.run("xdotool", {"key", "ctrl+shift+v"});
+    ASSERT_TRUE(waitUntil([&] { return agent.status()["clipboardWindow"]["open"].get<bool>(); }));
+    desktop.run("xdotool", {"key", "Escape"});
+    EXPECT_TRUE(history(agent).empty());
+    // The next copy by a program that answers is recorded.
+    xclip(desktop, "UTF8_STRING", writeFile(files, "after", "after the silent one"));
+    ASSERT_TRUE(newestWhen(agent, [](const Json& e) { return e["plainText"] == "after the silent one"; }))
+        << history(agent).dump(1);
+    EXPECT_EQ(history(agent).size(), 1u);
+}
+
+TEST_F(ClipboardHistory, AFiftyMegabyteImageArrivesInPiecesWhileTheAgentKeepsAnswering) {
+    // Noise does not compress: about 53 MB of PNG, far more than one X request carries.
+    QImage noise(4200, 4200, QImage::Format_RGB32);
+    auto* bits = reinterpret_cast<quint32*>(noise.bits());
+    quint32 state = 12345;
+    for (qsizetype i = 0; i < noise.sizeInBytes() / 4; ++i) {
+        state = state * 1664525u + 1013904223u;
+        bits[i] = state;
+    }
+    const QString path = files.filePath("noise.png");
+    ASSERT_TRUE(noise.save(path, "PNG", 100)); // stored, not compressed: quick to write
+    const qint64 size = QFile(path).size();
+    ASSERT_GT(size, 40'000'000);
+    xclip(desktop, "image/png", path);
+    // Commands are answered while the picture is read, decoded and written.
+    EXPECT_EQ(agent.command({"status"}).exitCode, 0);
+    auto image = newestWhen(agent, [](const Json& e) { return e["pngBytes"].get<qint64>() > 0; });
+    ASSERT_TRUE(image) << history(agent).dump(1);
+    EXPECT_EQ((*image)["pngBytes"], size);
+    EXPECT_EQ((*image)["width"], 4200);
+    const QString copy = files.filePath("back.png");
+    desktop.run("sh", {"-c", "\"$0\" clipboard get \"$1\" --type image/png > \"$2\"", VELMORA_BINARY,
+                       idOf(*image), copy});
+    EXPECT_EQ(QFile(copy).size(), size);
+}

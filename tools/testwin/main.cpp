@@ -8,6 +8,7 @@
 // --copy plays a program that copies: it puts one clipboard content with each TYPE holding the bytes of
 // FILE ("text/plain=-" reads standard input) and prints "copied"; it owns the clipboard until it exits.
 // --copy-burst copies "burst 1" ... "burst N", one copy every MS milliseconds, and prints "burst done".
+// --hold-clipboard-silently takes the clipboard and never answers a request for it, then prints "holding".
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
@@ -79,6 +80,22 @@ void burst(int count, int gapMs) {
     timer->start();
 }
 
+// Plays a broken program: it takes the clipboard and never answers anyone who asks for its content.
+bool holdClipboardSilently() {
+    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+    const xcb_window_t window = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    auto* atom = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, 9, "CLIPBOARD"), nullptr);
+    const bool ok = atom != nullptr;
+    if (ok)
+        xcb_set_selection_owner(c, window, atom->atom, XCB_CURRENT_TIME);
+    std::free(atom);
+    xcb_flush(c);
+    return ok; // the connection stays open, unread, for the life of the process
+}
+
 class TestWindow : public QWidget {
 protected:
     void keyPressEvent(QKeyEvent* e) override {
@@ -123,7 +140,8 @@ int main(int argc, char** argv) {
                        {"copy", "put TYPE=FILE on the clipboard", "entry"},
                        {"copy-burst", "copy N texts in a row", "n", "0"},
                        {"burst-gap-ms", "time between two copies of a burst", "ms", "10"},
-                       {"wm-class", "the window's WM_CLASS as INSTANCE,CLASS", "names", ""}});
+                       {"wm-class", "the window's WM_CLASS as INSTANCE,CLASS", "names", ""},
+                       {"hold-clipboard-silently", "own the clipboard and never answer"}});
     parser.process(app);
     if (parser.isSet("grab-super-alt") && grabSuperAlt(parser.value("grab-super-alt"))) {
         std::printf("grabbed\n");
@@ -139,6 +157,13 @@ int main(int argc, char** argv) {
     constexpr int kShownMs = 300;
     if (parser.isSet("copy"))
         QTimer::singleShot(kShownMs, [&parser] { copy(parser.values("copy")); });
+    if (parser.isSet("hold-clipboard-silently"))
+        QTimer::singleShot(kShownMs, [] {
+            if (holdClipboardSilently()) {
+                std::printf("holding\n");
+                std::fflush(stdout);
+            }
+        });
     if (const int n = parser.value("copy-burst").toInt(); n > 0)
         QTimer::singleShot(kShownMs, [n, &parser] { burst(n, parser.value("burst-gap-ms").toInt()); });
     return app.exec();

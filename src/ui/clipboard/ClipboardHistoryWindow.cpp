@@ -396,6 +396,8 @@ bool ClipboardHistoryWindow::eventFilter(QObject* watched, QEvent* event) {
 void ClipboardHistoryWindow::panelClosed() {
     if (m_preview)
         m_preview->close();
+    if (!m_query.isEmpty() && m_search)
+        m_search(QString()); // the search's memory goes with the panel
     m_query.clear();
     m_model = nullptr;
     m_searchField = nullptr;
