@@ -100,7 +100,7 @@ TEST_F(ShortcutDesktop, ChangedBindingsAreGrabbedAtOnce) {
 // The clipboard history, dimming and auto-layout are bound by default but not part of this build:
 // their chords are not grabbed, so the focused program gets them, once.
 TEST_F(ShortcutDesktop, ChordsOfActionsThatCannotRunReachTheWindowOnce) {
-    for (const char* chord : {"ctrl+shift+v", "super+v", "super+alt+b", "super+alt+space"})
+    for (const char* chord : {"super+alt+b", "super+alt+space"})
         key(chord);
     // Switched off by the user: the window switcher's Alt+Tab goes to the window too.
     auto wm = agent.json({"prefs", "get", "WindowManagerPreferences"});
@@ -110,14 +110,13 @@ TEST_F(ShortcutDesktop, ChordsOfActionsThatCannotRunReachTheWindowOnce) {
     QThread::msleep(200);
     key("alt+Tab");
     settle();
-    EXPECT_EQ(window->countLines("key 86 "), 2) << window->output().toStdString();       // V, twice
     EXPECT_EQ(window->countLines("key 66 "), 1) << window->output().toStdString();       // B
     EXPECT_EQ(window->countLines("key 32 "), 1) << window->output().toStdString();       // Space
     EXPECT_EQ(window->countLines("key 16777217 "), 1) << window->output().toStdString(); // Tab
     EXPECT_EQ(dispatchCount(agent), 0);
-    const auto refused = agent.command({"action", "openClipboardHistory"});
+    const auto refused = agent.command({"action", "toggleMonitorDimming"});
     EXPECT_NE(refused.exitCode, 0);
-    EXPECT_EQ(refused.err.trimmed(), "velmora: openClipboardHistory is not available in this version");
+    EXPECT_EQ(refused.err.trimmed(), "velmora: toggleMonitorDimming is not available in this version");
     const auto off = agent.command({"action", "openWindowSwitcher"});
     EXPECT_NE(off.exitCode, 0);
     EXPECT_TRUE(off.err.contains("window switcher is switched off")) << off.err.toStdString();

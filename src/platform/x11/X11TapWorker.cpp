@@ -392,6 +392,8 @@ void X11TapWorker::typeChord(const KeyboardShortcut& chord) {
     // The server answers typing at once; a second is ample even on a loaded machine.
     m_typedKey = *key;
     m_typedPressesLeft = 1;
+    // Its press comes once: through the grab when the chord is one of ours, else as a raw event only.
+    m_typedThroughGrab = m_grabs.count({*key, xModifiers(chord)}) > 0;
     m_typedUntil = std::chrono::steady_clock::now() + std::chrono::seconds(1);
 }
 
@@ -437,7 +439,7 @@ void X11TapWorker::handleXInput(const xcb_ge_generic_event_t* ge) {
         // A press of a grabbed chord comes again through the grab, where it can be swallowed.
         if (press && m_grabs.count({keycode, m_modState}))
             return;
-        if (isOwnTyping(keycode, press && !m_grabs.count({keycode, m_modState})))
+        if (isOwnTyping(keycode, press && !m_typedThroughGrab))
             return;
         const auto keyCode = virtualKeyCode(keycode);
         if (!keyCode)

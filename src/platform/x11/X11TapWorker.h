@@ -97,6 +97,7 @@ private:
     std::optional<xcb_keycode_t> m_typedKey;
     std::chrono::steady_clock::time_point m_typedUntil;
     int m_typedPressesLeft = 0;
+    bool m_typedThroughGrab = false;
     // Chords waiting for the user to let go of the shortcut's key, and how long they may wait.
     std::vector<KeyboardShortcut> m_typingQueue;
     std::chrono::steady_clock::time_point m_typingDeadline;
