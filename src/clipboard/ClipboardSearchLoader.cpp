@@ -33,34 +33,30 @@ public:
     explicit SearchTextBuilder(QString storePath) : m_external(storePath + "_external") {}
 
     ClipboardHistoryIndex::ItemInfo build(const QSqlQuery& row) {
-        m_text.clear();
+        m_plainText.clear();
         if (const QVariant file = row.value(1); !file.isNull())
-            appendPlainText(file.toString());
-        for (int column : {2, 3, 4}) {
-            m_text += QLatin1Char(' ');
-            m_text += row.value(column).toString();
-        }
-        m_text += QLatin1Char(' ');
-        const QVariant app = row.value(5);
-        m_text += (app.isNull() ? row.value(6) : app).toString();
-        m_lower = m_text.toLower();
-        return {QUuid::fromString(row.value(0).toString()), QString(m_lower.constData(), m_lower.size())};
+            readPlainText(file.toString());
+        const QString url = row.value(2).toString(), fileURL = row.value(3).toString(),
+                      title = row.value(4).toString(), app = row.value(5).toString(),
+                      bundle = row.value(6).toString();
+        writeSearchableText({m_plainText, url, fileURL, title, row.value(5).isNull() ? bundle : app}, m_text);
+        return {QUuid::fromString(row.value(0).toString()), QString(m_text.constData(), m_text.size())};
     }
 
 private:
-    void appendPlainText(const QString& fileName) {
+    void readPlainText(const QString& fileName) {
         QFile file(m_external.filePath(fileName));
         if (!file.open(QIODevice::ReadOnly))
             return; // an entry whose text file vanished is still found by its source
         m_bytes.resize(std::min<qint64>(file.size(), kMaxSearchedCharacters * 4));
         m_bytes.resize(std::max<qint64>(0, file.read(m_bytes.data(), m_bytes.size())));
-        m_text += QString::fromUtf8(m_bytes).left(kMaxSearchedCharacters);
+        m_plainText = QString::fromUtf8(m_bytes).left(kMaxSearchedCharacters);
     }
 
     ExternalStorage m_external;
     QByteArray m_bytes;
+    QString m_plainText;
     QString m_text;
-    QString m_lower;
 };
 
 } // namespace

@@ -1,15 +1,27 @@
 #include "clipboard/ClipboardSearchableText.h"
 
-#include <QStringList>
-
 namespace velmora {
+
+void writeSearchableText(const SearchableParts& parts, QString& out) {
+    out.clear();
+    for (const QStringView part : {parts.plainText, parts.url, parts.fileURL, parts.windowTitle}) {
+        out += part;
+        out += QLatin1Char(' ');
+    }
+    out += parts.application;
+    out = std::move(out).toLower();
+}
 
 QString searchableText(const SimpleClipboardItem& item) {
     const std::optional<QString>& application = item.sourceAppName ? item.sourceAppName : item.sourceBundleId;
-    const QStringList parts{item.plainText.value_or(QString()), item.url.value_or(QString()),
-                            item.fileURL.value_or(QString()), item.sourceWindowTitle.value_or(QString()),
-                            application.value_or(QString())};
-    return parts.join(QLatin1Char(' ')).toLower();
+    const auto view = [](const std::optional<QString>& part) {
+        return part ? QStringView(*part) : QStringView();
+    };
+    QString text;
+    writeSearchableText({view(item.plainText), view(item.url), view(item.fileURL),
+                         view(item.sourceWindowTitle), view(application)},
+                        text);
+    return text;
 }
 
 } // namespace velmora

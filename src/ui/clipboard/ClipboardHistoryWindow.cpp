@@ -9,11 +9,11 @@
 #include "platform/KeyboardLayout.h"
 #include "platform/Screens.h"
 #include "platform/Workspace.h"
+#include "ui/PanelPlacement.h"
 #include "ui/ShortcutRenderer.h"
 #include "ui/clipboard/ClipboardHistoryListModel.h"
 #include "ui/clipboard/ClipboardHistoryRowDelegate.h"
 #include "ui/clipboard/QuickLookHelper.h"
-#include "windowmanager/LowLevelHelpers.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -140,14 +140,8 @@ void ClipboardHistoryWindow::open() {
     updateEmptyState();
 
     std::optional<Rect> frame;
-    if (const auto main = m_screens.mainScreen()) {
-        const auto primary = primaryScreen(m_screens.screens());
-        const Rect usable = usableRect(*main, primary ? primary->frame.height : main->frame.height);
-        const double width = std::min(kWidth, usable.width);
-        const double height = std::floor(usable.height * kHeightShare);
-        frame = Rect{std::round(usable.x + (usable.width - width) / 2),
-                     std::round(usable.y + (usable.height - height) / 2), width, height};
-    }
+    if (const auto usable = PanelPlacement::mainUsableArea(m_screens))
+        frame = PanelPlacement::centredIn(*usable, kWidth, std::floor(usable->height * kHeightShare));
     m_controller->show(frame);
     m_controller->window()->installEventFilter(this);
     m_list->setFocus();
@@ -186,12 +180,7 @@ QWidget* ClipboardHistoryWindow::buildContent() {
     m_list->setUniformItemSizes(true);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
-    QPalette palette = m_list->palette();
-    palette.setColor(QPalette::Inactive, QPalette::Highlight,
-                     palette.color(QPalette::Active, QPalette::Highlight));
-    palette.setColor(QPalette::Inactive, QPalette::HighlightedText,
-                     palette.color(QPalette::Active, QPalette::HighlightedText));
-    m_list->setPalette(palette);
+    PanelPlacement::keepSelectionColourWhenInactive(*m_list);
     m_list->installEventFilter(this);
     m_list->viewport()->installEventFilter(this);
     layout->addWidget(m_list, 1);

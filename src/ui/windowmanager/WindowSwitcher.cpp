@@ -6,6 +6,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Screens.h"
 #include "platform/Workspace.h"
+#include "ui/PanelPlacement.h"
 #include "windowmanager/LowLevelHelpers.h"
 #include "windowmanager/WindowsCache.h"
 
@@ -189,18 +190,14 @@ void WindowSwitcher::open(bool previous) {
     fillList();
 
     std::optional<Rect> frame;
-    if (const auto main = m_screens.mainScreen()) {
-        const auto primary = primaryScreen(m_screens.screens());
-        const Rect usable = usableRect(*main, primary ? primary->frame.height : main->frame.height);
+    if (const auto usable = PanelPlacement::mainUsableArea(m_screens)) {
         m_content->ensurePolished();
         const int rowHeight = m_list->count() > 0 ? m_list->sizeHintForRow(0)
                                                   : QFontMetrics(m_list->font()).height() + kRowPadding;
         const double natural = 2 * kMargin + m_search->sizeHint().height() + kSpacing +
                                std::max(1, n) * rowHeight + 2 * m_list->frameWidth();
-        const double width = std::min(m_panelWidth(), usable.width);
-        const double height = std::min(natural, std::floor(usable.height * kMaxHeightShare));
-        frame = Rect{std::round(usable.x + (usable.width - width) / 2),
-                     std::round(usable.y + (usable.height - height) / 2), width, height};
+        frame = PanelPlacement::centredIn(*usable, m_panelWidth(),
+                                          std::min(natural, std::floor(usable->height * kMaxHeightShare)));
     }
     m_controller->show(frame);
     m_controller->window()->installEventFilter(this);
@@ -262,12 +259,7 @@ QWidget* WindowSwitcher::buildContent() {
     m_list->setItemDelegate(new RowDelegate(m_list));
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setUniformItemSizes(true);
-    QPalette palette = m_list->palette();
-    palette.setColor(QPalette::Inactive, QPalette::Highlight,
-                     palette.color(QPalette::Active, QPalette::Highlight));
-    palette.setColor(QPalette::Inactive, QPalette::HighlightedText,
-                     palette.color(QPalette::Active, QPalette::HighlightedText));
-    m_list->setPalette(palette);
+    PanelPlacement::keepSelectionColourWhenInactive(*m_list);
     m_list->installEventFilter(this);
     layout->addWidget(m_list, 1);
     m_empty = new QLabel();
