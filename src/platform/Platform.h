@@ -11,6 +11,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
+#include "platform/SystemProbes.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
 
@@ -36,6 +37,7 @@ struct Platform {
     std::unique_ptr<Pasteboard> pasteboard;
     std::unique_ptr<FileThumbnails> fileThumbnails;
     std::unique_ptr<DesktopOpener> opener;
+    std::unique_ptr<SystemProbes> systemProbes; // absent where nothing can be sampled
 };
 
 } // namespace velmora

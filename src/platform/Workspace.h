@@ -29,6 +29,13 @@ struct FocusedWindow {
     QString className;    // WM_CLASS's class ("XTerm")
 };
 
+// A program that owns a window of the desktop, as the desktop presents it.
+struct RunningApplication {
+    qint64 pid = 0;
+    std::optional<QString> localizedName;    // the desktop entry's Name, else the WM_CLASS class
+    std::optional<QString> bundleIdentifier; // the desktop entry's id, else the WM_CLASS class
+};
+
 // The applications behind windows, as the desktop presents them.
 class Workspace {
 public:
@@ -41,6 +48,8 @@ public:
     virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
     // The active window; nothing when no window is active. Answers from memory where it can.
     virtual std::optional<FocusedWindow> focusedWindow() { return std::nullopt; }
+    // The programs owning managed windows, one entry per window owner. Main thread.
+    virtual std::vector<RunningApplication> runningApplications() { return {}; }
     // Every application a user could launch (desktop entries not hidden), sorted by name.
     virtual std::vector<ApplicationIdentity> installedApplications() = 0;
     // The application a desktop entry file describes, for a user who picks the file by hand; nothing,

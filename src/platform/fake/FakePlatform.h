@@ -12,6 +12,7 @@
 #include "platform/fake/FakePasteboard.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
+#include "platform/fake/FakeSystemProbes.h"
 #include "platform/fake/FakeWorkspace.h"
 
 namespace velmora {
@@ -30,6 +31,7 @@ struct FakePlatform {
     FakePasteboard* pasteboard;
     FakeFileThumbnails* fileThumbnails;
     FakeDesktopOpener* opener;
+    FakeSystemProbes* systemProbes;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -66,6 +68,9 @@ struct FakePlatform {
         auto o = std::make_unique<FakeDesktopOpener>();
         opener = o.get();
         platform.opener = std::move(o);
+        auto sp = std::make_unique<FakeSystemProbes>();
+        systemProbes = sp.get();
+        platform.systemProbes = std::move(sp);
     }
 };
 

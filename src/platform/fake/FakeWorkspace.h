@@ -20,6 +20,8 @@ public:
     std::optional<FocusedWindow> focused;
     std::optional<FocusedWindow> focusedWindow() override { return focused; }
     std::vector<ApplicationIdentity> installedApplications() override { return installed; }
+    std::vector<RunningApplication> running;
+    std::vector<RunningApplication> runningApplications() override { return running; }
     std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) override {
         if (const auto it = files.constFind(path); it != files.constEnd())
             return *it;
