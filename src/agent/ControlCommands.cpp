@@ -154,11 +154,28 @@ ControlReply ControlCommands::handle(const QStringList& args) {
             if (given < c->minArguments || given > c->maxArguments)
                 return ControlReply::failure(
                     QString("usage: velmora %1 %2").arg(c->name, c->arguments).trimmed());
+            if (!c->run)
+                return ControlReply::failure(
+                    QString("velmora %1 answers later; ask it through the command line").arg(c->name));
             return c->run(args.mid(1));
         }
     if (const QString usage = usageOf(args); !usage.isEmpty())
         return ControlReply::failure(usage);
     return ControlReply::failure(QString("unknown command \"%1\"; see velmora --help").arg(args.join(' ')));
+}
+
+void ControlCommands::handle(const QStringList& args, std::function<void(ControlReply)> reply) {
+    if (const auto* registry = m_app.registry())
+        if (const auto* c = registry->command(args.value(0)); c && c->runLater) {
+            const int given = int(args.size()) - 1;
+            if (given < c->minArguments || given > c->maxArguments)
+                reply(ControlReply::failure(
+                    QString("usage: velmora %1 %2").arg(c->name, c->arguments).trimmed()));
+            else
+                c->runLater(args.mid(1), std::move(reply));
+            return;
+        }
+    reply(handle(args));
 }
 
 // For a known command given the wrong arguments: how it is written.

@@ -3,6 +3,7 @@
 #include "app/ControlReply.h"
 
 #include <QStringList>
+#include <functional>
 
 namespace velmora {
 
@@ -16,6 +17,8 @@ public:
     explicit ControlCommands(AppDelegate& app) : m_app(app) {}
 
     ControlReply handle(const QStringList& args);
+    // Every command, including those that answer later; reply is called once, on the main thread.
+    void handle(const QStringList& args, std::function<void(ControlReply)> reply);
 
     // The help text: the agent's commands, then the modules' (when a registry is given), aligned.
     static QString usage(const ModuleRegistry* registry = nullptr);

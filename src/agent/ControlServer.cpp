@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QLocalSocket>
+#include <QPointer>
 #include <QStandardPaths>
 
 namespace velmora {
@@ -40,25 +41,32 @@ void ControlServer::serve(QLocalSocket* socket) {
             return;
         const QByteArray line = socket->readLine();
         QStringList args;
-        ControlReply reply;
         try {
             const Json request = Json::parse(line.toStdString());
             for (const auto& a : request.at("args"))
                 args << QString::fromStdString(a.get<std::string>());
-            reply = m_commands.handle(args);
         } catch (const std::exception& e) {
-            reply = ControlReply::failure(QString("malformed request: %1").arg(e.what()));
+            answer(socket, ControlReply::failure(QString("malformed request: %1").arg(e.what())));
+            return;
         }
-        Json answer = Json::object();
-        answer["ok"] = reply.ok;
-        if (reply.ok)
-            answer["result"] = reply.result;
-        else
-            answer["error"] = reply.error;
-        socket->write(QByteArray::fromStdString(answer.dump() + "\n"));
-        socket->flush();
-        socket->disconnectFromServer();
+        // A command that answers later may outlive a client that gave up waiting.
+        m_commands.handle(args, [socket = QPointer<QLocalSocket>(socket)](ControlReply reply) {
+            if (socket)
+                answer(socket, reply);
+        });
     });
+}
+
+void ControlServer::answer(QLocalSocket* socket, const ControlReply& reply) {
+    Json answer = Json::object();
+    answer["ok"] = reply.ok;
+    if (reply.ok)
+        answer["result"] = reply.result;
+    else
+        answer["error"] = reply.error;
+    socket->write(QByteArray::fromStdString(answer.dump() + "\n"));
+    socket->flush();
+    socket->disconnectFromServer();
 }
 
 } // namespace velmora

@@ -20,6 +20,7 @@ public:
 
 private:
     void serve(QLocalSocket* socket);
+    static void answer(QLocalSocket* socket, const ControlReply& reply);
 
     ControlCommands& m_commands;
     QLocalServer m_server;

@@ -3,8 +3,10 @@
 #include "app/AppContext.h"
 #include "app/Module.h"
 #include "core/SystemMonitoringModel.h"
+#include "monitoring/SystemOverview.h"
 
 #include <QObject>
+#include <QThreadPool>
 #include <functional>
 #include <memory>
 
@@ -13,14 +15,8 @@ class QTimer;
 namespace velmora {
 
 class SystemSampler;
+struct SystemSample;
 class ProcessKiller;
-
-// The whole machine at a glance, for the drop-down panel's gauges: each a fraction in [0, 1].
-struct SystemOverview {
-    float cpuLoad = 0;
-    float memoryInUse = 0;
-    float storageInUse = 0;
-};
 
 // The system monitor: a snapshot of every process every five seconds, grouped by application, kept
 // in the model for the tray gauges and the dashboard, and the `velmora monitor` commands.
@@ -51,10 +47,10 @@ signals:
 
 private:
     void tick();
-    void finished(std::optional<SystemSnapshot> snapshot, SystemOverview overview);
-    ControlReply snapshotCommand();
+    void finished(const SystemSample& sample, qint64 tookMs);
+    void snapshotCommand(std::function<void(ControlReply)> reply);
     ControlReply topCommand(const QStringList& arguments);
-    ControlReply killCommand(const QStringList& arguments);
+    void killCommand(const QStringList& arguments, std::function<void(ControlReply)> reply);
     Json status() const;
 
     AppContext& m_context;
@@ -64,6 +60,11 @@ private:
     std::unique_ptr<SystemSampler> m_sampler;
     std::unique_ptr<ProcessKiller> m_killer;
     QTimer* m_timer = nullptr;
+    // One sample at a time, off the main thread: the sampler keeps the previous counters.
+    QThreadPool m_worker;
+    bool m_sampling = false;
+    qint64 m_lastSampleMs = -1;
+    int m_skippedTicks = 0;
 };
 
 } // namespace velmora
