@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QProcess>
 #include <QTimer>
 #include <QWidget>
 #include <cstdio>
@@ -133,15 +134,17 @@ int main(int argc, char** argv) {
     useWmClass(argc, argv);
     QApplication app(argc, argv);
     QCommandLineParser parser;
-    parser.addOptions({{"title", "window title", "title", "testwin"},
-                       {"size", "initial size WxH", "size", "400x300"},
-                       {"min-size", "minimum size WxH", "min", ""},
-                       {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""},
-                       {"copy", "put TYPE=FILE on the clipboard", "entry"},
-                       {"copy-burst", "copy N texts in a row", "n", "0"},
-                       {"burst-gap-ms", "time between two copies of a burst", "ms", "10"},
-                       {"wm-class", "the window's WM_CLASS as INSTANCE,CLASS", "names", ""},
-                       {"hold-clipboard-silently", "own the clipboard and never answer"}});
+    parser.addOptions(
+        {{"title", "window title", "title", "testwin"},
+         {"size", "initial size WxH", "size", "400x300"},
+         {"min-size", "minimum size WxH", "min", ""},
+         {"grab-super-alt", "grab Super+Alt+KEY on the root window", "key", ""},
+         {"copy", "put TYPE=FILE on the clipboard", "entry"},
+         {"copy-burst", "copy N texts in a row", "n", "0"},
+         {"burst-gap-ms", "time between two copies of a burst", "ms", "10"},
+         {"wm-class", "the window's WM_CLASS as INSTANCE,CLASS", "names", ""},
+         {"hold-clipboard-silently", "own the clipboard and never answer"},
+         {"child", "start PROGRAM as a child process (a helper of this application)", "program"}});
     parser.process(app);
     if (parser.isSet("grab-super-alt") && grabSuperAlt(parser.value("grab-super-alt"))) {
         std::printf("grabbed\n");
@@ -166,5 +169,18 @@ int main(int argc, char** argv) {
         });
     if (const int n = parser.value("copy-burst").toInt(); n > 0)
         QTimer::singleShot(kShownMs, [n, &parser] { burst(n, parser.value("burst-gap-ms").toInt()); });
-    return app.exec();
+    // A helper process of this application, as browsers and editors start them; it ends with us.
+    QProcess child;
+    if (parser.isSet("child")) {
+        QStringList words = parser.value("child").split(' ', Qt::SkipEmptyParts);
+        child.start(words.takeFirst(), words);
+        if (child.waitForStarted()) {
+            std::printf("child %lld\n", static_cast<long long>(child.processId()));
+            std::fflush(stdout);
+        }
+    }
+    const int code = app.exec();
+    child.kill();
+    child.waitForFinished();
+    return code;
 }
