@@ -28,7 +28,8 @@ test: setup
 bench: setup
 	@[ -f build-bench/build.ninja ] || cmake --preset bench
 	@nice cmake --build build-bench --target velmora testwin desktop_benches $(notdir $(basename $(wildcard bench/bench_*.cpp)))
-	@for b in build-bench/bench/bench_*; do if [ -f "$$b" ] && [ -x "$$b" ]; then "$$b"; fi; done
+	@for b in build-bench/bench/bench_*; do case "$$b" in *bench_monitor_snapshot) continue ;; esac; if [ -f "$$b" ] && [ -x "$$b" ]; then "$$b"; fi; done
+	@tools/bench-monitor build-bench
 	@tools/bench-desktop build-bench
 	@tools/bench-clipboard-history build-bench
 

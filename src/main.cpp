@@ -9,6 +9,7 @@
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/FreedesktopOpener.h"
 #include "platform/linux/LinuxFileThumbnails.h"
+#include "platform/linux/LinuxSystemProbes.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/SettingsDefaults.h"
 #include "platform/linux/TerminationSignals.h"
@@ -129,6 +130,7 @@ std::optional<Platform> makeX11Platform() {
         platform.pasteboard = std::make_unique<X11Clipboard>(std::move(*forClipboard));
     platform.fileThumbnails = std::make_unique<LinuxFileThumbnails>();
     platform.opener = std::make_unique<FreedesktopOpener>();
+    platform.systemProbes = std::make_unique<LinuxSystemProbes>();
     return platform;
 }
 

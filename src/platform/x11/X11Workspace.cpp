@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QIcon>
+#include <QSet>
 #include <algorithm>
 #include <cstring>
 #include <xcb/res.h>
@@ -67,6 +68,8 @@ X11Workspace::X11Workspace(X11Connection connection, X11EventHub& hub,
     connect(&hub, &X11EventHub::rootPropertyChanged, this, [this](xcb_atom_t p) {
         if (p == m_x.atom("_NET_ACTIVE_WINDOW"))
             m_activeStale = true;
+        else if (p == m_x.atom("_NET_CLIENT_LIST"))
+            m_clientsStale = true;
     });
     // Moved, mapped or destroyed: a destroyed window's id may come back for another program.
     connect(&hub, &X11EventHub::windowChanged, this, [this](xcb_window_t w) { m_windows.remove(w); });
@@ -152,30 +155,55 @@ X11Workspace::WindowFacts* X11Workspace::activeFacts() {
         m_active.reset();
         return nullptr;
     };
-    auto facts = m_windows.find(*window);
-    if (facts == m_windows.end()) {
-        WindowFacts fresh;
-        if (!read(*window, fresh, false))
-            return gone();
-        if (m_windows.size() >= kMaxKnownWindows)
-            m_windows.clear();
-        facts = m_windows.insert(*window, std::move(fresh));
-    } else if (facts->titleStale && !read(*window, *facts, true)) {
+    WindowFacts* facts = factsOf(*window);
+    if (!facts || (facts->titleStale && !read(*window, *facts, true)))
         return gone();
+    return facts;
+}
+
+X11Workspace::WindowFacts* X11Workspace::factsOf(xcb_window_t window) {
+    if (const auto known = m_windows.find(window); known != m_windows.end())
+        return &*known;
+    WindowFacts fresh;
+    if (!read(window, fresh, false))
+        return nullptr;
+    if (m_windows.size() >= kMaxKnownWindows)
+        m_windows.clear();
+    return &*m_windows.insert(window, std::move(fresh));
+}
+
+const ApplicationIdentity& X11Workspace::cachedIdentity(xcb_window_t window, WindowFacts& facts) {
+    const quint64 generation = m_entries ? m_entries->generation() : 0;
+    if (!facts.identity || facts.entriesGeneration != generation) {
+        facts.identity = identify(window, facts);
+        facts.entriesGeneration = generation;
     }
-    return &*facts;
+    return *facts.identity;
 }
 
 std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
     WindowFacts* facts = activeFacts();
     if (!facts || facts->isDesktop)
         return std::nullopt;
-    const quint64 generation = m_entries ? m_entries->generation() : 0;
-    if (!facts->identity || facts->entriesGeneration != generation) {
-        facts->identity = identify(*m_active, *facts);
-        facts->entriesGeneration = generation;
+    return FrontmostApplication{cachedIdentity(*m_active, *facts), facts->title};
+}
+
+std::vector<RunningApplication> X11Workspace::runningApplications() {
+    std::vector<RunningApplication> running;
+    if (m_x.hasError())
+        return running;
+    if (std::exchange(m_clientsStale, false))
+        m_clients = m_x.cardinals(m_x.root(), m_x.atom("_NET_CLIENT_LIST"));
+    QSet<qint64> owners;
+    for (const xcb_window_t window : m_clients) {
+        WindowFacts* facts = factsOf(window);
+        if (!facts || facts->isDesktop || facts->pid <= 0 || owners.contains(facts->pid))
+            continue;
+        owners.insert(facts->pid);
+        const ApplicationIdentity& identity = cachedIdentity(window, *facts);
+        running.push_back({facts->pid, identity.name, identity.id});
     }
-    return FrontmostApplication{*facts->identity, facts->title};
+    return running;
 }
 
 std::optional<FocusedWindow> X11Workspace::focusedWindow() {

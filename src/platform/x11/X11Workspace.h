@@ -30,6 +30,9 @@ public:
     // Its icon is 64 x 64 pixels when there is one.
     std::optional<FrontmostApplication> frontmostApplication() override;
     std::optional<FocusedWindow> focusedWindow() override;
+    // From _NET_CLIENT_LIST, read again only after the hub saw it change; a window's owner and entry are
+    // read once, so a caller asking every few seconds costs no X traffic while the windows stay.
+    std::vector<RunningApplication> runningApplications() override;
     // Their icons are 32 x 32 pixels, for a list.
     std::vector<ApplicationIdentity> installedApplications() override;
     std::optional<ApplicationIdentity> applicationFromFile(const QString& path, QString* error) override;
@@ -49,6 +52,9 @@ private:
     void windowPropertyChanged(xcb_window_t window, xcb_atom_t property);
     // The active window's facts, read on first sight; null when none is active or it is gone.
     WindowFacts* activeFacts();
+    // The window's facts, read on first sight; null when it is gone.
+    WindowFacts* factsOf(xcb_window_t window);
+    const ApplicationIdentity& cachedIdentity(xcb_window_t window, WindowFacts& facts);
     std::optional<xcb_window_t> activeWindow();
     bool read(xcb_window_t window, WindowFacts& facts, bool titleOnly);
     ApplicationIdentity identify(xcb_window_t window, const WindowFacts& facts);
@@ -63,6 +69,8 @@ private:
     std::optional<xcb_window_t> m_active;
     bool m_activeStale = true;
     QHash<xcb_window_t, WindowFacts> m_windows;
+    std::vector<std::uint32_t> m_clients;
+    bool m_clientsStale = true;
 };
 
 } // namespace velmora
