@@ -60,6 +60,9 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
     }
     if (!parent || !user || !system || !start)
         return std::nullopt;
+    nextField(rest); // 23: virtual size
+    if (qint64 pages = 0; parseNumber(nextField(rest), pages))
+        stat.residentPages = pages;
     stat.usedTicks = utime + stime;
     return stat;
 }

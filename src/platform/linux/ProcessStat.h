@@ -15,6 +15,7 @@ struct ProcessStat {
     quint64 usedTicks = 0;  // utime + stime, in clock ticks
     quint64 startTicks = 0; // clock ticks after boot at which the process started
     QString command;        // `comm`: at most 15 bytes, any of them but NUL, spaces and ')' included
+    std::optional<qint64> residentPages; // the same counter as statm's second field, when the line has it
 
     bool operator==(const ProcessStat&) const = default;
 };

@@ -82,9 +82,12 @@ std::optional<ProcessRow> ProcessTable::readProcess(qint64 pid, double now,
     if (!m_proc.read(pid, "stat", m_text))
         return std::nullopt;
     const auto stat = parseProcessStat(m_text);
-    if (!stat || !m_proc.read(pid, "statm", m_text))
+    if (!stat)
         return std::nullopt;
-    const auto pages = residentPages(m_text);
+    // One file less per process where stat carries the resident size (every kernel since 2.6).
+    auto pages = stat->residentPages;
+    if (!pages && m_proc.read(pid, "statm", m_text))
+        pages = residentPages(m_text);
     if (!pages)
         return std::nullopt;
 
@@ -102,20 +105,24 @@ std::optional<ProcessRow> ProcessTable::readProcess(qint64 pid, double now,
     } else if (const auto boot = bootTime()) {
         row.lstart = startTimeText(std::time_t(*boot + qint64(stat->startTicks / quint64(m_ticksPerSecond))));
     }
-    // A program replaced on disk while running reads "<path> (deleted)": the path is still its own.
-    QString executable = QString::fromUtf8(m_proc.link(pid, "exe"));
-    if (executable.endsWith(QLatin1String(" (deleted)")))
-        executable.chop(10);
-    row.bundlePath =
-        same && same->executable == executable ? same->bundlePath : installationFolderUrl(executable);
-    row.executablePath = std::move(executable);
+    // The program changes only by exec, which also renames the process: the link is read again then.
+    if (same && same->command == stat->command) {
+        row.executablePath = same->executable;
+        row.bundlePath = same->bundlePath;
+    } else {
+        // A program replaced on disk while running reads "<path> (deleted)": the path is still its own.
+        row.executablePath = QString::fromUtf8(m_proc.link(pid, "exe"));
+        if (row.executablePath.endsWith(QLatin1String(" (deleted)")))
+            row.executablePath.chop(10);
+        row.bundlePath = installationFolderUrl(row.executablePath);
+    }
     // A launcher moves its program into a scope right after starting it; after that it stays.
     const bool settled = same && now - double(stat->startTicks) / m_ticksPerSecond > kScopeSettledSeconds;
     if (settled)
         row.scope = same->scope;
     else if (m_proc.read(pid, "cgroup", m_text))
         row.scope = applicationScope(m_text);
-    seen[pid] = {stat->startTicks,   stat->usedTicks, row.lstart,
+    seen[pid] = {stat->startTicks,   stat->usedTicks, row.command, row.lstart,
                  row.executablePath, row.bundlePath,  row.scope};
     return row;
 }

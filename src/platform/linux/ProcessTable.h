@@ -29,6 +29,7 @@ private:
     struct Seen {
         quint64 startTicks = 0;
         quint64 usedTicks = 0;
+        QString command;
         QString lstart;
         QString executable;
         std::optional<QString> bundlePath;

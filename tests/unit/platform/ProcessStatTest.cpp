@@ -21,7 +21,7 @@ std::string statLine(const std::string& pid, const std::string& name) {
 TEST(ProcessStat, ReadsTheFieldsAfterTheName) {
     const auto stat = parseProcessStat(statLine("4321", "bash"));
     ASSERT_TRUE(stat);
-    EXPECT_EQ(*stat, (ProcessStat{4321, 1234, 205, 987654, "bash"}));
+    EXPECT_EQ(*stat, (ProcessStat{4321, 1234, 205, 987654, "bash", 1534}));
 }
 
 // A name may hold anything but NUL: what counts is the last ')'.

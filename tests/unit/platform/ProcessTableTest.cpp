@@ -139,8 +139,8 @@ TEST(ProcessTable, WhatCannotBeReadIsLeftOut) {
     t.proc.process(50, "fine", 1, 0, Table::ticksAt(1));
     t.proc.write("51/statm", "1 1 1 1 0 1 0\n");   // no stat: ended while being read
     t.proc.write("52/stat", "52 (broken S 1 1\n"); // not a stat line
-    t.proc.process(53, "no memory", 1, 0, Table::ticksAt(1));
-    QFile::remove(t.proc.dir.path() + "/53/statm");
+    // A stat line without the resident size, and no statm to take it from.
+    t.proc.write("53/stat", "53 (no memory) S 1 1 1 0 -1 4194304 10 0 0 0 0 0 0 0 20 0 1 0 100\n");
     t.proc.write("self/stat", "1 (x) S 0\n"); // not a pid
     t.proc.write("sys/kernel", "");
     const auto rows = t.read();
