@@ -7,6 +7,7 @@
 #include "clipboard/ClipboardLog.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/MainThread.h"
+#include "monitoring/SystemMonitoringModule.h"
 #include "ui/BriefMessage.h"
 #include "ui/DeveloperPreferencesPage.h"
 #include "ui/DropDownPanelView.h"
@@ -17,6 +18,8 @@
 #include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
 #include "ui/clipboard/ClipboardHistoryScreens.h"
+#include "ui/monitoring/MenubarSystemMonitoringView.h"
+#include "ui/monitoring/SystemMonitoringScreens.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
 #include "windowmanager/WindowManagerModule.h"
 
@@ -61,6 +64,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
     startModule(*module<ClipboardHistoryModule>(), "clipboardWatcher");
+    startModule(*module<SystemMonitoringModule>(), "systemMonitoring");
     showWelcomeWindowIfNeeded();
 }
 
@@ -143,6 +147,11 @@ void AppDelegate::createModules() {
     addModule<KeyboardCleaningModule>();
     auto& clipboardHistory = addModule<ClipboardHistoryModule>(m_clipboardStore.get());
     addModule<ClipboardHistoryScreens>(clipboardHistory);
+    auto& monitoring = addModule<SystemMonitoringModule>();
+    auto& monitoringScreens = addModule<SystemMonitoringScreens>(monitoring);
+    m_menubarPopover->showSystemMonitoring(monitoringScreens.menubarView(), [this] {
+        m_dispatcher.dispatch(action::OpenSystemMonitoringDashboard{}, "systemMonitoringItem");
+    });
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);

@@ -228,7 +228,12 @@ ControlReply ControlCommands::status() {
                            {"toolTip", item.toolTip()}};
         if (!geometry.isEmpty())
             j["statusItem"]["geometry"] = rectJson(geometry);
-        j["monitoringItem"] = {{"visible", popover->systemMonitoringItem()->statusItem().isVisible()}};
+        DynamicStatusItem& gauges = *popover->systemMonitoringItem();
+        Json icons = Json::array();
+        for (int i = 0; i < gauges.slotCount(); ++i)
+            icons.push_back({{"toolTip", gauges.slot(i).toolTip().toStdString()},
+                             {"geometry", rectJson(gauges.slot(i).geometry())}});
+        j["monitoringItem"] = {{"visible", gauges.slotCount() > 0}, {"icons", icons}};
         j["panel"] = windowJson(popover->windowController().window());
     }
     if (auto* welcome = m_app.welcomeWindowController())

@@ -4,6 +4,7 @@
 #include "core/MainThread.h"
 #include "platform/Screens.h"
 #include "ui/AppIcon.h"
+#include "ui/monitoring/MenubarSystemMonitoringView.h"
 
 #include <QGuiApplication>
 #include <QMenu>
@@ -47,6 +48,27 @@ void MenubarPopover::setUp(QMenu* contextMenu) {
     m_toneCheck.start(kToneCheckMs);
 }
 
+void MenubarPopover::showSystemMonitoring(MenubarSystemMonitoringView& view, std::function<void()> onClick) {
+    if (!m_systemMonitoringItem)
+        return;
+    m_gauges = &view;
+    view.setDarkPanel(m_look.darkPanel);
+    connect(&view, &MenubarSystemMonitoringView::gaugesChanged, this, &MenubarPopover::showGauges);
+    connect(m_systemMonitoringItem.get(), &DynamicStatusItem::activated, this,
+            [onClick = std::move(onClick)](int, QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+                    onClick();
+            });
+    showGauges();
+}
+
+void MenubarPopover::showGauges() {
+    std::vector<StatusSlot> icons;
+    for (const MonitoringGauge& gauge : m_gauges->gauges())
+        icons.push_back({gauge.icon, gauge.toolTip});
+    m_systemMonitoringItem->setSlots(icons);
+}
+
 void MenubarPopover::showState(std::optional<StatusGlyph> state, const QString& tooltip) {
     if (!m_mainStatusItem)
         return;
@@ -71,6 +93,8 @@ void MenubarPopover::applyLook(const StatusIconLook& look) {
         return;
     m_look = look;
     m_mainStatusItem->statusItem().setIcon(statusIcon(m_look));
+    if (m_gauges)
+        m_gauges->setDarkPanel(m_look.darkPanel);
 }
 
 void MenubarPopover::toggle() {

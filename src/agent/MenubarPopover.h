@@ -6,12 +6,15 @@
 
 #include <QTimer>
 
+#include <functional>
+
 #include <memory>
 
 class QMenu;
 
 namespace velmora {
 
+class MenubarSystemMonitoringView;
 class Screens;
 
 // The two tray icons and the drop-down panel the main icon opens.
@@ -29,6 +32,9 @@ public:
     const StatusIconLook& look() const { return m_look; }
     void show();
 
+    // The monitoring item shows the view's gauges, one icon each, and runs onClick when one is clicked.
+    void showSystemMonitoring(MenubarSystemMonitoringView& view, std::function<void()> onClick);
+
     DynamicStatusItem* mainStatusItem() const { return m_mainStatusItem.get(); }
     DynamicStatusItem* systemMonitoringItem() const { return m_systemMonitoringItem.get(); }
     StandardWindowController& windowController() { return m_windowController; }
@@ -39,11 +45,13 @@ private:
     std::unique_ptr<DynamicStatusItem> m_systemMonitoringItem;
     StandardWindowController m_windowController;
     StatusIconLook m_look;
+    MenubarSystemMonitoringView* m_gauges = nullptr;
     // The panel behind the icon is looked at again now and then: themes and trays change.
     QTimer m_toneCheck;
 
     void followPanelTone();
     void applyLook(const StatusIconLook& look);
+    void showGauges();
 };
 
 } // namespace velmora

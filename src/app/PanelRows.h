@@ -4,6 +4,7 @@
 #include <functional>
 
 class QAbstractButton;
+class QWidget;
 
 namespace velmora {
 
@@ -15,6 +16,8 @@ public:
     // A switch that shows its state; the caller keeps it in step with its model.
     virtual QAbstractButton* addToggle(const QString& title, bool checked,
                                        std::function<void(bool)> onToggled) = 0;
+    // A view of the module's own (gauges); the panel takes it over.
+    virtual void addWidget(QWidget* widget) = 0;
 };
 
 } // namespace velmora

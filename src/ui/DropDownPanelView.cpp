@@ -50,6 +50,10 @@ QAbstractButton* DropDownPanelView::addToggle(const QString& title, bool checked
     return toggle;
 }
 
+void DropDownPanelView::addWidget(QWidget* widget) {
+    m_actions->addWidget(widget);
+}
+
 void DropDownPanelView::addStretch() {
     m_actions->addStretch(1);
 }

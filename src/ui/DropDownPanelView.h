@@ -19,6 +19,7 @@ public:
     void addAction(const QString& title, std::function<void()> action) override;
     QAbstractButton* addToggle(const QString& title, bool checked,
                                std::function<void(bool)> onToggled) override;
+    void addWidget(QWidget* widget) override;
     void addStretch();
 
 private:

@@ -53,7 +53,7 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
     EXPECT_EQ(
         status["startup"],
         AgentUnderTest::Json::parse(
-            R"(["clipboardStore","preferences","statusItems","permissionPoll","windowCache","clipboardWatcher","welcome"])"));
+            R"(["clipboardStore","preferences","statusItems","permissionPoll","windowCache","clipboardWatcher","systemMonitoring","welcome"])"));
     EXPECT_FALSE(status["monitoringItem"]["visible"].get<bool>());
 }
 

@@ -107,9 +107,9 @@ TEST(ModuleContract, PanelRowsAndPreferencePagesComeFromTheModules) {
     Agent agent;
     agent.app.openPreferences();
     ASSERT_TRUE(agent.app.preferencesWindow());
-    EXPECT_EQ(
-        agent.app.preferencesWindow()->pageTitles(),
-        QStringList({"General", "Window Manager", "Clipboard History", "Keyboard Shortcuts", "Developer"}));
+    EXPECT_EQ(agent.app.preferencesWindow()->pageTitles(),
+              QStringList({"General", "Window Manager", "Clipboard History", "System Monitor",
+                           "Keyboard Shortcuts", "Developer"}));
 
     auto& panelController = agent.app.menubarPopover()->windowController();
     panelController.show(Rect{0, 0, 240, 800});
