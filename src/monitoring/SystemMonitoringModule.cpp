@@ -97,7 +97,11 @@ void SystemMonitoringModule::stop() {
 }
 
 void SystemMonitoringModule::sampleNow() {
-    tick();
+    // Asked while a sample runs, the answer must see the machine as it is now: one more follows.
+    if (m_sampling)
+        m_sampleAgain = true;
+    else
+        tick();
 }
 
 // The running applications are read here, on the main thread, where the window model lives; the
@@ -142,6 +146,8 @@ void SystemMonitoringModule::finished(const SystemSample& sample, qint64 tookMs)
     emit overviewChanged();
     if (sample.snapshot)
         m_model.append(*sample.snapshot);
+    if (std::exchange(m_sampleAgain, false))
+        tick();
 }
 
 void SystemMonitoringModule::killProcess(qint64 pid, bool force,

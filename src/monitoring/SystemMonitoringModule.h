@@ -63,6 +63,7 @@ private:
     // One sample at a time, off the main thread: the sampler keeps the previous counters.
     QThreadPool m_worker;
     bool m_sampling = false;
+    bool m_sampleAgain = false;
     qint64 m_lastSampleMs = -1;
     int m_skippedTicks = 0;
 };

@@ -3,6 +3,7 @@
 #include "AgentUnderTest.h"
 #include "TestWindow.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTcpServer>
