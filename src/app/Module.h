@@ -21,7 +21,8 @@ struct ModuleCommand {
     std::function<ControlReply(const QStringList& arguments)> run;
     // Instead of run, for a command that waits for something (a child program, the next sample):
     // it answers through reply, once, on the main thread, without holding the main thread meanwhile.
-    std::function<void(const QStringList& arguments, std::function<void(ControlReply)> reply)> runLater = nullptr;
+    std::function<void(const QStringList& arguments, std::function<void(ControlReply)> reply)> runLater =
+        nullptr;
 };
 
 // A subsystem of the agent. It owns its models and registers everything it offers in one place,
