@@ -10,10 +10,7 @@
 namespace {
 
 void writeSettings(const VirtualDesktop& desktop, const QByteArray& ini) {
-    QDir().mkpath(desktop.configDir() + "/Velmora");
-    QFile file(desktop.configDir() + "/Velmora/Velmora.conf");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(ini);
+    ASSERT_TRUE(desktop.writeSettings(ini));
 }
 
 // The icon's glyph in the colour given (black: dark, white: light): some pixel of its middle row is

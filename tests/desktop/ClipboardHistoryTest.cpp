@@ -27,10 +27,7 @@ void installTestwinEntry(const VirtualDesktop& desktop) {
 }
 
 void skipWelcome(const VirtualDesktop& desktop) {
-    QDir().mkpath(desktop.configDir() + "/Velmora");
-    QFile file(desktop.configDir() + "/Velmora/Velmora.conf");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\nWelcomeWindowSeen:V26=true\n");
+    ASSERT_TRUE(desktop.writeWelcomedSettings());
 }
 
 Json history(const AgentUnderTest& agent, int limit = 50) {

@@ -15,10 +15,7 @@ namespace {
 using Json = AgentUnderTest::Json;
 
 void skipWelcome(const VirtualDesktop& desktop) {
-    QDir().mkpath(desktop.configDir() + "/Velmora");
-    QFile file(desktop.configDir() + "/Velmora/Velmora.conf");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\nWelcomeWindowSeen:V26=true\n");
+    ASSERT_TRUE(desktop.writeWelcomedSettings());
 }
 
 Json window(const AgentUnderTest& agent) {

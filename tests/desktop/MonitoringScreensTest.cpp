@@ -50,11 +50,7 @@ class MonitoringScreens : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(desktop.isReady());
-        QDir().mkpath(desktop.configDir() + "/Velmora");
-        QFile file(desktop.configDir() + "/Velmora/Velmora.conf");
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[General]\nWelcomeWindowSeen:V26=true\n");
-        file.close();
+        ASSERT_TRUE(desktop.writeWelcomedSettings());
         ASSERT_TRUE(agent.start());
         ASSERT_TRUE(agent.waitForStatusIcon());
     }

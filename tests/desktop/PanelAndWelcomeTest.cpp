@@ -16,10 +16,7 @@ bool isOpen(const AgentUnderTest& agent, const char* window) {
 }
 
 void seedSettings(const VirtualDesktop& desktop, const QByteArray& ini) {
-    QDir().mkpath(desktop.configDir() + "/Velmora");
-    QFile file(desktop.configDir() + "/Velmora/Velmora.conf");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\n" + ini);
+    ASSERT_TRUE(desktop.writeSettings("[General]\n" + ini));
 }
 
 void click(const VirtualDesktop& desktop, QPoint p) {

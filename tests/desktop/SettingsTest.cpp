@@ -13,14 +13,11 @@ namespace {
 using Json = AgentUnderTest::Json;
 
 QString settingsFile(const VirtualDesktop& desktop) {
-    return desktop.configDir() + "/Velmora/Velmora.conf";
+    return desktop.settingsFile();
 }
 
 void seed(const VirtualDesktop& desktop, const QByteArray& ini) {
-    QDir().mkpath(desktop.configDir() + "/Velmora");
-    QFile file(settingsFile(desktop));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\nWelcomeWindowSeen:V26=true\n" + ini);
+    ASSERT_TRUE(desktop.writeWelcomedSettings(ini));
 }
 
 // Read-only for whoever runs the tests: permission bits stop a user, an immutable flag stops root.

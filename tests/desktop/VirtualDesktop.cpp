@@ -152,3 +152,9 @@ QStringList VirtualDesktop::pixelRow(int x, int y, int width) const {
 QString VirtualDesktop::pixel(int x, int y) const {
     return pixelRow(x, y, 1).value(0);
 }
+
+bool VirtualDesktop::writeSettings(const QByteArray& ini) const {
+    QDir().mkpath(configDir() + "/Velmora");
+    QFile file(settingsFile());
+    return file.open(QIODevice::WriteOnly) && file.write(ini) == ini.size();
+}

@@ -33,6 +33,14 @@ public:
     QProcessEnvironment environment() const;
     QString configDir() const { return m_home.path() + "/config"; }
     QString dataDir() const { return m_home.path() + "/data"; }
+    // The agent's settings file in that configuration.
+    QString settingsFile() const { return configDir() + "/Velmora/Velmora.conf"; }
+    // Writes the settings file as the agent will find it at start; false when it cannot be written.
+    bool writeSettings(const QByteArray& ini) const;
+    // Settings of someone who has been welcomed already, with more lines of [General].
+    bool writeWelcomedSettings(const QByteArray& moreGeneralLines = {}) const {
+        return writeSettings("[General]\nWelcomeWindowSeen:V26=true\n" + moreGeneralLines);
+    }
 
     struct Output {
         int exitCode = -1;
