@@ -19,6 +19,11 @@ public:
     virtual std::optional<ScreenInfo> mainScreen() const = 0;
     // The screens asked of the server directly, bypassing any memory: to check that memory against.
     virtual std::vector<ScreenInfo> screensAfresh() const { return screens(); }
+    // Where the pointer is, in top-left space (as window frames are); absent when it cannot be asked.
+    virtual std::optional<Point> pointerLocation() const { return std::nullopt; }
+    // Whether a compositing manager draws the desktop: without one, a translucent window shows its
+    // transparent pixels black.
+    virtual bool isCompositing() const { return false; }
 };
 
 } // namespace velmora

@@ -72,6 +72,12 @@ void WindowManagerActions::applyZone(const ZoneChoice& choice) {
     snapped({at.x, at.y, frame.width, frame.height}, target->usable);
 }
 
+void WindowManagerActions::placeInFrame(quint32 window, const Rect& frame, const Rect& usable, double gap) {
+    assertMainThread("WindowManagerActions::placeInFrame");
+    const Point at = placeWindow(m_access, window, frame, usable, gap);
+    snapped({at.x, at.y, frame.width, frame.height}, usable);
+}
+
 void WindowManagerActions::center(const WindowInfo& window, const ScreenInfo& screen,
                                   std::optional<Size> size) {
     const auto target = targetOn(screen);

@@ -26,6 +26,8 @@ public:
     std::optional<ZoneChoice> zonesForChord(const KeyboardShortcut& chord) const;
 
     void applyZone(const ZoneChoice& choice);
+    // Puts a window (a dragged one, not necessarily focused) into a zone's frame on a usable rectangle.
+    void placeInFrame(quint32 window, const Rect& frame, const Rect& usable, double gap);
     void centerWindow();
     void makeWindow16By9();
     void moveWindowToScreen();

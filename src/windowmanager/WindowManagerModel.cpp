@@ -25,6 +25,10 @@ void WindowManagerModel::setSnapTarget(std::optional<SnapTarget> target) {
     assign(m_snapTarget, std::move(target));
 }
 
+void WindowManagerModel::setDragging(bool dragging) {
+    assign(m_dragging, dragging);
+}
+
 void WindowManagerModel::setScreenFrame(const Rect& frame) {
     assign(m_screenFrame, frame);
 }

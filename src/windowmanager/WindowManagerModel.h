@@ -33,6 +33,10 @@ public:
 
     const std::optional<SnapTarget>& snapTarget() const { return m_snapTarget; }
     void setSnapTarget(std::optional<SnapTarget> target);
+    // Whether a window is being dragged over the zones: only then is the snap target previewed (a
+    // shortcut's snap sets the target too, with nothing to show).
+    bool isDragging() const { return m_dragging; }
+    void setDragging(bool dragging);
 
     // The usable rectangle in which the preview is drawn.
     const Rect& screenFrame() const { return m_screenFrame; }
@@ -52,6 +56,7 @@ private:
 
     WindowManagerMode m_mode = WindowManagerMode::DraggingAndKeyboard;
     std::optional<SnapTarget> m_snapTarget;
+    bool m_dragging = false;
     Rect m_screenFrame;
     QString m_searchQuery;
 };

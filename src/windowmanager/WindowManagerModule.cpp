@@ -1,6 +1,7 @@
 #include "windowmanager/WindowManagerModule.h"
 
 #include "app/BindingsProvider.h"
+#include "app/EventTap.h"
 #include "app/ModuleRegistry.h"
 #include "app/UserPreferences.h"
 #include "platform/Platform.h"
@@ -16,6 +17,22 @@ Json optionalText(const std::optional<QString>& s) {
     return s ? Json(*s) : Json(nullptr);
 }
 
+const char* stateName(WindowManagerState state) {
+    switch (state) {
+    case WindowManagerState::Idle:
+        return "idle";
+    case WindowManagerState::CheckingManipulation:
+        return "checkingManipulation";
+    case WindowManagerState::Dragging:
+        return "dragging";
+    case WindowManagerState::MoveManipulation:
+        return "moveManipulation";
+    case WindowManagerState::ResizeManipulation:
+        return "resizeManipulation";
+    }
+    return "idle";
+}
+
 } // namespace
 
 WindowManagerModule::WindowManagerModule(AppContext& context)
@@ -23,7 +40,14 @@ WindowManagerModule::WindowManagerModule(AppContext& context)
       m_cache(*context.platform.windowServer, qint32(QCoreApplication::applicationPid()), context.nowMs),
       m_actions(
           m_cache, *context.platform.accessibility, *context.platform.screens,
-          [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model) {
+          [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model),
+      m_drag(
+          m_cache, *context.platform.accessibility, *context.platform.screens, m_actions, m_model,
+          [&prefs = context.preferences] { return prefs.windowManager.value(); },
+          [this] {
+              return unavailableReason().isEmpty() && m_model.mode() != WindowManagerMode::KeyboardOnly;
+          },
+          context.nowMs) {
     m_actions.onNothingToDo = [this](const QString& why) {
         if (m_context.brief)
             m_context.brief(why);
@@ -83,6 +107,7 @@ void WindowManagerModule::registerWith(ModuleRegistry& registry) {
 
 void WindowManagerModule::start() {
     m_cache.start();
+    m_context.eventTap.dragHandler = [this](const TapEvent& event) { m_drag.handle(event); };
 }
 
 ControlReply WindowManagerModule::windowsCommand() const {
@@ -100,9 +125,14 @@ ControlReply WindowManagerModule::windowsCommand() const {
 
 Json WindowManagerModule::status() const {
     const auto focused = m_cache.focusedWindow();
-    return {{"enabled", unavailableReason().isEmpty()},
-            {"windows", m_cache.windows().size()},
-            {"focused", focused ? Json(focused->id) : Json(nullptr)}};
+    const auto& target = m_model.snapTarget();
+    const Rect preview = target ? target->frame : Rect{};
+    return {
+        {"enabled", unavailableReason().isEmpty()},
+        {"windows", m_cache.windows().size()},
+        {"focused", focused ? Json(focused->id) : Json(nullptr)},
+        {"dragState", stateName(m_drag.state())},
+        {"snapTarget", target ? Json{preview.x, preview.y, preview.width, preview.height} : Json(nullptr)}};
 }
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/Module.h"
+#include "windowmanager/DragSnapping.h"
 #include "windowmanager/WindowManagerActions.h"
 #include "windowmanager/WindowManagerModel.h"
 #include "windowmanager/WindowsCache.h"
@@ -21,6 +22,7 @@ public:
     WindowsCache& windowsCache() { return m_cache; }
     WindowManagerActions& actions() { return m_actions; }
     WindowManagerModel& model() { return m_model; }
+    DragSnapping& dragSnapping() { return m_drag; }
     // Why the window manager's actions cannot run now, or empty.
     QString unavailableReason() const;
 
@@ -32,6 +34,7 @@ private:
     WindowManagerModel m_model;
     WindowsCache m_cache;
     WindowManagerActions m_actions;
+    DragSnapping m_drag;
 };
 
 } // namespace velmora

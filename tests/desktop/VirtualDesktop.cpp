@@ -50,6 +50,13 @@ VirtualDesktop::VirtualDesktop(Options options) : m_options(options) {
     }
 }
 
+// xcompmgr takes the compositing selection at once but says nothing when it has: a short wait.
+QProcess* VirtualDesktop::startCompositor() {
+    QProcess* compositor = start("xcompmgr", {});
+    QThread::msleep(500);
+    return compositor;
+}
+
 // -displayfd 1: the server picks a free display and writes its number to standard output.
 QProcess* VirtualDesktop::startServer() {
     if (!m_options.twoMonitors)

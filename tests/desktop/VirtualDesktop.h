@@ -49,6 +49,8 @@ public:
     };
     // Runs a program on this desktop and waits for it (xdotool, xprop, the agent's command line).
     Output run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    // Starts a compositing manager (xcompmgr); it runs until the desktop ends or it is stopped.
+    QProcess* startCompositor();
     // Starts a program that keeps running until the desktop ends (or it is stopped).
     QProcess* start(const QString& program, const QStringList& args);
 

@@ -9,7 +9,12 @@ public:
     std::vector<ScreenInfo> all;
     int mainIndex = 0;
 
+    std::optional<Point> pointer;
+    bool compositing = true;
+
     std::vector<ScreenInfo> screens() const override { return all; }
+    std::optional<Point> pointerLocation() const override { return pointer; }
+    bool isCompositing() const override { return compositing; }
     std::optional<ScreenInfo> mainScreen() const override {
         if (mainIndex < 0 || mainIndex >= int(all.size()))
             return std::nullopt;

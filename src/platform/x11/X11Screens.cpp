@@ -132,6 +132,15 @@ std::optional<Point> X11Screens::pointer() const {
     return Point{double(p->root_x), double(p->root_y)};
 }
 
+// A compositing manager owns the selection _NET_WM_CM_S<screen> for as long as it runs; the agent
+// works on the display's first X screen, as every monitor of a RandR desktop is part of it.
+bool X11Screens::isCompositing() const {
+    auto* c = m_x.connection();
+    XcbPtr<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, m_x.atom("_NET_WM_CM_S0")), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
 std::optional<ScreenInfo> X11Screens::mainScreen() const {
     if (m_screens.empty())
         return std::nullopt;

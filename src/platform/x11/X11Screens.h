@@ -22,6 +22,8 @@ public:
     std::vector<ScreenInfo> screens() const override { return m_screens; }
     std::optional<ScreenInfo> mainScreen() const override;
     std::vector<ScreenInfo> screensAfresh() const override { return read(); }
+    std::optional<Point> pointerLocation() const override { return pointer(); }
+    bool isCompositing() const override;
 
 signals:
     void changed();

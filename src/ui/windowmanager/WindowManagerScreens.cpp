@@ -4,6 +4,7 @@
 #include "app/ModuleRegistry.h"
 #include "app/UserPreferences.h"
 #include "platform/Platform.h"
+#include "ui/windowmanager/SnapPreviewOverlay.h"
 #include "ui/windowmanager/WindowManagerPreferencesPage.h"
 #include "ui/windowmanager/WindowSwitcher.h"
 #include "windowmanager/WindowManagerModule.h"
@@ -15,7 +16,11 @@ WindowManagerScreens::WindowManagerScreens(AppContext& context, WindowManagerMod
       m_switcher(std::make_unique<WindowSwitcher>(
           windowManager.windowsCache(), *context.platform.accessibility, *context.platform.screens,
           context.platform.workspace.get(), context.shortcuts, *context.platform.keyboardLayout,
-          [&prefs = context.preferences] { return prefs.theme.value().windowSwitcherWidth; })) {}
+          [&prefs = context.preferences] { return prefs.theme.value().windowSwitcherWidth; })),
+      m_preview(
+          std::make_unique<SnapPreviewOverlay>(windowManager.model(), [&screens = *context.platform.screens] {
+              return screens.isCompositing();
+          })) {}
 
 WindowManagerScreens::~WindowManagerScreens() = default;
 
@@ -52,7 +57,14 @@ Json WindowManagerScreens::status() const {
     Json rows = Json::array();
     for (const auto& w : m_switcher->rows())
         rows.push_back((w.appName.value_or("") + " — " + w.title.value_or("")).toStdString());
-    return {{"open", m_switcher->isOpen()}, {"rows", rows}, {"selected", m_switcher->selectedIndex()}};
+    const Rect preview = m_preview->shownFrame();
+    return {{"open", m_switcher->isOpen()},
+            {"rows", rows},
+            {"selected", m_switcher->selectedIndex()},
+            {"preview",
+             {{"visible", m_preview->isVisible()},
+              {"translucent", m_preview->isTranslucent()},
+              {"frame", {preview.x, preview.y, preview.width, preview.height}}}}};
 }
 
 } // namespace velmora

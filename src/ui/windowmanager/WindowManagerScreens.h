@@ -9,6 +9,7 @@ namespace velmora {
 
 class WindowManagerModule;
 class WindowSwitcher;
+class SnapPreviewOverlay;
 
 // The window manager's screens: the window switcher (Alt+Tab) and the Window Manager preference page.
 class WindowManagerScreens final : public Module {
@@ -28,6 +29,7 @@ private:
     AppContext& m_context;
     WindowManagerModule& m_windowManager;
     std::unique_ptr<WindowSwitcher> m_switcher;
+    std::unique_ptr<SnapPreviewOverlay> m_preview;
 };
 
 } // namespace velmora
