@@ -43,6 +43,7 @@ const QStringList& LocalUserPreferences::keys() {
                                "LaunchOnStart",
                                "DeveloperLogsEnabled",
                                "WindowManagerEnabled",
+                               "WindowManagerMouseSnapping",
                                "ClipboardHistoryEnabled",
                                "ClipboardKeepsCopiesOfClosedApps",
                                "AutoUpdateLastCheckTime"};

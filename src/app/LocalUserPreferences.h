@@ -20,6 +20,9 @@ public:
     bool setDeveloperLogsEnabled(bool on) { return store("DeveloperLogsEnabled", on); }
     bool windowManagerEnabled() const { return boolValue("WindowManagerEnabled", true); }
     bool setWindowManagerEnabled(bool on) { return store("WindowManagerEnabled", on); }
+    // Windows dragged to a screen's edge snap into its zones; off, the window manager works by keyboard only.
+    bool mouseSnappingEnabled() const { return boolValue("WindowManagerMouseSnapping", true); }
+    bool setMouseSnappingEnabled(bool on) { return store("WindowManagerMouseSnapping", on); }
     bool clipboardHistoryEnabled() const { return boolValue("ClipboardHistoryEnabled", true); }
     bool setClipboardHistoryEnabled(bool on) { return store("ClipboardHistoryEnabled", on); }
     // When a program that copied something exits, its copy stays on the clipboard (taken over by Velmora).

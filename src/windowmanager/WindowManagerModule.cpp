@@ -108,6 +108,18 @@ void WindowManagerModule::registerWith(ModuleRegistry& registry) {
 void WindowManagerModule::start() {
     m_cache.start();
     m_context.eventTap.dragHandler = [this](const TapEvent& event) { m_drag.handle(event); };
+    // Mouse snapping can be switched off; the keyboard's actions stay.
+    const auto followMode = [this] {
+        m_model.setMode(m_context.preferences.local.mouseSnappingEnabled()
+                            ? WindowManagerMode::DraggingAndKeyboard
+                            : WindowManagerMode::KeyboardOnly);
+    };
+    followMode();
+    QObject::connect(&m_context.preferences.local, &LocalUserPreferences::changed, &m_model,
+                     [followMode](const QString& key) {
+                         if (key == "WindowManagerMouseSnapping")
+                             followMode();
+                     });
 }
 
 ControlReply WindowManagerModule::windowsCommand() const {

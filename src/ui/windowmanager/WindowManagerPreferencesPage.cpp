@@ -85,6 +85,7 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     : QWidget(parent), m_preferences(preferences), m_templates(zoneTemplates()),
       m_windowSwitcher(new QCheckBox(QStringLiteral("Enable window switcher"))),
       m_autoLayout(new QCheckBox(QStringLiteral("Enable auto-layout"))), m_spacing(new QDoubleSpinBox),
+      m_mouseSnapping(new QCheckBox(QStringLiteral("Snap windows dragged to an edge or a corner"))),
       m_shiftDisables(new QRadioButton(QStringLiteral("Shift disables mouse snapping"))),
       m_shiftEnables(new QRadioButton(QStringLiteral("Shift enables mouse snapping"))),
       m_list(new QListWidget), m_add(new QPushButton(QStringLiteral("+"))),
@@ -123,9 +124,12 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
     shiftGroup->addButton(m_shiftEnables);
     m_shiftDisables->setObjectName(QStringLiteral("shiftDisablesDragging"));
     m_shiftEnables->setObjectName(QStringLiteral("shiftEnablesDragging"));
+    m_mouseSnapping->setObjectName(QStringLiteral("mouseSnapping"));
+    column->addWidget(m_mouseSnapping);
     column->addWidget(m_shiftDisables);
     column->addWidget(m_shiftEnables);
     m_autoLayout->setVisible(features.autoLayout);
+    m_mouseSnapping->setVisible(features.dragSnapping);
     m_shiftDisables->setVisible(features.dragSnapping);
     m_shiftEnables->setVisible(features.dragSnapping);
 
@@ -169,6 +173,15 @@ WindowManagerPreferencesPage::WindowManagerPreferencesPage(UserPreferences& pref
             [this](bool on) { writeSettings([on](auto& p) { p.enableAutoLayout = on; }); });
     connect(m_spacing, &QDoubleSpinBox::valueChanged, this,
             [this](double value) { writeSettings([value](auto& p) { p.spacing = value; }); });
+    connect(m_mouseSnapping, &QCheckBox::toggled, this, [this](bool on) {
+        if (on != m_preferences.local.mouseSnappingEnabled())
+            m_preferences.local.setMouseSnappingEnabled(on);
+        refresh();
+    });
+    connect(&preferences.local, &LocalUserPreferences::changed, this, [this](const QString& key) {
+        if (key == "WindowManagerMouseSnapping")
+            refresh();
+    });
     connect(m_shiftEnables, &QRadioButton::toggled, this,
             [this](bool on) { writeSettings([on](auto& p) { p.shiftEnablesDragging = on; }); });
     connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
@@ -317,12 +330,16 @@ void WindowManagerPreferencesPage::refresh() {
     const WindowManagerPreferences& record = m_preferences.windowManager.value();
     {
         const QSignalBlocker a(m_windowSwitcher), b(m_autoLayout), c(m_spacing), d(m_shiftDisables),
-            e(m_shiftEnables);
+            e(m_shiftEnables), f(m_mouseSnapping);
         m_windowSwitcher->setChecked(record.enableWindowSwitcher);
         m_autoLayout->setChecked(record.enableAutoLayout);
         m_spacing->setValue(record.spacing);
+        const bool mouse = m_preferences.local.mouseSnappingEnabled();
+        m_mouseSnapping->setChecked(mouse);
         m_shiftDisables->setChecked(!record.shiftEnablesDragging);
         m_shiftEnables->setChecked(record.shiftEnablesDragging);
+        m_shiftDisables->setEnabled(mouse);
+        m_shiftEnables->setEnabled(mouse);
     }
     refreshList(record.areas);
     loadEditor();

@@ -71,6 +71,7 @@ public:
     QDoubleSpinBox* spacingBox() const { return m_spacing; }
     QRadioButton* shiftDisablesButton() const { return m_shiftDisables; }
     QRadioButton* shiftEnablesButton() const { return m_shiftEnables; }
+    QCheckBox* mouseSnappingBox() const { return m_mouseSnapping; }
     QListWidget* zoneList() const { return m_list; }
     QPushButton* addButton() const { return m_add; }
     QPushButton* removeButton() const { return m_remove; }
@@ -108,6 +109,7 @@ private:
     QCheckBox* m_windowSwitcher;
     QCheckBox* m_autoLayout;
     QDoubleSpinBox* m_spacing;
+    QCheckBox* m_mouseSnapping;
     QRadioButton* m_shiftDisables;
     QRadioButton* m_shiftEnables;
     QListWidget* m_list;

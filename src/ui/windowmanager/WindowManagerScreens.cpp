@@ -49,7 +49,8 @@ void WindowManagerScreens::registerWith(ModuleRegistry& registry) {
     registry.addStatus("switcher", [this] { return status(); });
     registry.addPreferencePage(WindowManagerPreferencesPage::kTitle, [this] {
         return new WindowManagerPreferencesPage(m_context.preferences, m_context.shortcuts,
-                                                *m_context.platform.keyboardLayout);
+                                                *m_context.platform.keyboardLayout,
+                                                WindowManagerPageFeatures{.dragSnapping = true});
     });
 }
 

@@ -57,6 +57,6 @@ TEST(ControlCommands, UnknownCommandsAndKeysAreNamed) {
     EXPECT_FALSE(agent.commands.handle({"prefs", "set", "BasicPreferences"}).ok);
     const auto list = agent.commands.handle({"prefs", "list"});
     ASSERT_TRUE(list.ok);
-    EXPECT_EQ(list.result.size(), 13u);
+    EXPECT_EQ(list.result.size(), 14u);
     EXPECT_EQ(list.result[0], "BasicPreferences");
 }

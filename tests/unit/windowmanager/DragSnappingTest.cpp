@@ -1,10 +1,12 @@
 // Snapping by dragging, over the fake desktop: the press, the window manager moving the frame, the
 // pointer reaching an edge, the release; with the numbers of a 1440 x 900 screen.
 #include "windowmanager/DragSnapping.h"
+#include "../agent/FakeAgent.h"
 #include "core/KeyEvent.h"
 #include "platform/fake/FakePlatform.h"
 #include "windowmanager/WindowManagerActions.h"
 #include "windowmanager/WindowManagerModel.h"
+#include "windowmanager/WindowManagerModule.h"
 #include "windowmanager/WindowsCache.h"
 
 #include <QCoreApplication>
@@ -156,4 +158,22 @@ TEST(DragSnapping, AClickOnTheDesktopOrAWindowThatGoesAwayPlacesNothing) {
     d.send(TapEventType::LeftMouseUp);
     d.settle();
     EXPECT_TRUE(d.placed.empty());
+}
+
+// The module follows this machine's switch: off, a drag to the edge previews and places nothing.
+TEST(DragSnapping, SwitchedOffInThePreferencesADragSnapsNothing) {
+    FakeAgent agent;
+    auto& local = agent.app.preferences()->local;
+    auto& module = *agent.app.module<WindowManagerModule>();
+    EXPECT_EQ(module.model().mode(), WindowManagerMode::DraggingAndKeyboard);
+    local.setMouseSnappingEnabled(false);
+    EXPECT_EQ(module.model().mode(), WindowManagerMode::KeyboardOnly);
+    agent.fake.desktop.add({1, 100, "app", QString("w"), {300, 200, 400, 300}, {}});
+    static_cast<FakeWindowServer&>(*agent.fake.platform.windowServer).changed();
+    agent.fake.screens->pointer = Point{400, 210};
+    module.dragSnapping().handle({TapEventType::LeftMouseDown, 0, 0, false});
+    EXPECT_EQ(module.dragSnapping().state(), WindowManagerState::Idle);
+    local.setMouseSnappingEnabled(true);
+    module.dragSnapping().handle({TapEventType::LeftMouseDown, 0, 0, false});
+    EXPECT_EQ(module.dragSnapping().state(), WindowManagerState::CheckingManipulation);
 }

@@ -289,6 +289,20 @@ TEST(WindowManagerPreferencesPage, SettingsWriteTheRecordWithoutTouchingTheZones
     EXPECT_EQ(s.record(), expected);
 }
 
+// Mouse snapping is this machine's choice: switched off, the Shift rule no longer applies and is greyed.
+TEST(WindowManagerPreferencesPage, MouseSnappingIsSwitchedOnThisMachineOnly) {
+    PageSetup s;
+    const WindowManagerPreferences before = s.record();
+    ASSERT_TRUE(s.page.mouseSnappingBox()->isChecked());
+    s.page.mouseSnappingBox()->click();
+    EXPECT_FALSE(s.prefs.local.mouseSnappingEnabled());
+    EXPECT_FALSE(s.page.shiftEnablesButton()->isEnabled());
+    EXPECT_EQ(s.record(), before);               // nothing synchronised changed
+    s.prefs.local.setMouseSnappingEnabled(true); // from the command line
+    EXPECT_TRUE(s.page.mouseSnappingBox()->isChecked());
+    EXPECT_TRUE(s.page.shiftEnablesButton()->isEnabled());
+}
+
 TEST(WindowManagerPreferencesPage, FollowsRecordsFromElsewhereKeepingTheSelectedZone) {
     PageSetup s;
     WindowManagerPreferences synced = s.record();
