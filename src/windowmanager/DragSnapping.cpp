@@ -14,7 +14,7 @@ namespace velmora {
 
 DragSnapping::DragSnapping(WindowsCache& cache, const Accessibility& access, const Screens& screens,
                            WindowManagerActions& actions, WindowManagerModel& model,
-                           std::function<WindowManagerPreferences()> preferences,
+                           std::function<const WindowManagerPreferences&()> preferences,
                            std::function<bool()> enabled, std::function<qint64()> nowMs, QObject* parent)
     : QObject(parent), m_cache(cache), m_access(access), m_screens(screens), m_actions(actions),
       m_model(model), m_preferences(std::move(preferences)), m_enabled(std::move(enabled)),
@@ -162,12 +162,12 @@ void DragSnapping::updatePreview() {
         return;
     }
     const double primaryHeight = all.front().frame.height;
-    const auto screen = screenAt(*pointer, primaryHeight);
+    const auto screen = screenAt(all, *pointer, primaryHeight);
     if (!screen) {
         m_model.setSnapTarget(std::nullopt);
         return;
     }
-    const WindowManagerPreferences preferences = m_preferences();
+    const WindowManagerPreferences& preferences = m_preferences();
     const Rect usable = usableRect(*screen, primaryHeight);
     const auto& groups = m_anchors.groups(usable.width, usable.height, preferences, m_nowMs());
     const Anchor* anchor = hitTest(groups.anchorGroups, unitPoint(*pointer, usable));
@@ -204,8 +204,9 @@ std::optional<WindowInfo> DragSnapping::windowAt(const Point& pointer) const {
     return std::nullopt;
 }
 
-std::optional<ScreenInfo> DragSnapping::screenAt(const Point& pointer, double primaryHeight) const {
-    for (const ScreenInfo& screen : m_screens.screens())
+std::optional<ScreenInfo> DragSnapping::screenAt(const std::vector<ScreenInfo>& screens, const Point& pointer,
+                                                 double primaryHeight) {
+    for (const ScreenInfo& screen : screens)
         if (screen.frame.flipped(primaryHeight).contains(pointer))
             return screen;
     return std::nullopt;

@@ -37,7 +37,7 @@ public:
 
     DragSnapping(WindowsCache& cache, const Accessibility& access, const Screens& screens,
                  WindowManagerActions& actions, WindowManagerModel& model,
-                 std::function<WindowManagerPreferences()> preferences, std::function<bool()> enabled,
+                 std::function<const WindowManagerPreferences&()> preferences, std::function<bool()> enabled,
                  std::function<qint64()> nowMs, QObject* parent = nullptr);
 
     void handle(const TapEvent& event);
@@ -62,14 +62,16 @@ private:
     void updatePreview();
     void released();
     std::optional<WindowInfo> windowAt(const Point& pointer) const;
-    std::optional<ScreenInfo> screenAt(const Point& pointer, double primaryHeight) const;
+    static std::optional<ScreenInfo> screenAt(const std::vector<ScreenInfo>& screens, const Point& pointer,
+                                              double primaryHeight);
 
     WindowsCache& m_cache;
     const Accessibility& m_access;
     const Screens& m_screens;
     WindowManagerActions& m_actions;
     WindowManagerModel& m_model;
-    std::function<WindowManagerPreferences()> m_preferences;
+    // Read on every pointer event: by reference, never copied.
+    std::function<const WindowManagerPreferences&()> m_preferences;
     std::function<bool()> m_enabled;
     std::function<qint64()> m_nowMs;
     DragStateMachine m_machine;

@@ -43,7 +43,9 @@ WindowManagerModule::WindowManagerModule(AppContext& context)
           [&prefs = context.preferences] { return prefs.windowManager.value(); }, &m_model),
       m_drag(
           m_cache, *context.platform.accessibility, *context.platform.screens, m_actions, m_model,
-          [&prefs = context.preferences] { return prefs.windowManager.value(); },
+          [&prefs = context.preferences]() -> const WindowManagerPreferences& {
+              return prefs.windowManager.value();
+          },
           [this] {
               return unavailableReason().isEmpty() && m_model.mode() != WindowManagerMode::KeyboardOnly;
           },

@@ -50,9 +50,12 @@ qint64 HostCounters::processorCount() const {
     return std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN));
 }
 
+// Physical memory does not change while the agent runs: read once.
 qint64 HostCounters::physicalMemoryBytes() {
-    const auto found = memory();
-    return found ? qint64(found->totalBytes) : 0;
+    if (!m_totalBytes)
+        if (const auto found = memory())
+            m_totalBytes = qint64(found->totalBytes);
+    return m_totalBytes.value_or(0);
 }
 
 std::optional<CpuTicks> HostCounters::cpuTicks() {

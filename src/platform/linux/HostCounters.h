@@ -41,6 +41,7 @@ private:
     const QString m_documents;
     std::string m_text;
     bool m_complained = false;
+    std::optional<qint64> m_totalBytes;
 };
 
 } // namespace velmora

@@ -25,9 +25,14 @@ struct Desk {
     WindowsCache cache{*fake.platform.windowServer, 1, [] { return qint64(0); }};
     WindowManagerActions actions{cache, *fake.platform.accessibility, *fake.platform.screens,
                                  [this] { return prefs; }, &model};
-    DragSnapping drag{
-        cache, *fake.platform.accessibility, *fake.platform.screens, actions,
-        model, [this] { return prefs; },     [] { return true; },    [] { return qint64(1000); }};
+    DragSnapping drag{cache,
+                      *fake.platform.accessibility,
+                      *fake.platform.screens,
+                      actions,
+                      model,
+                      [this]() -> const WindowManagerPreferences& { return prefs; },
+                      [] { return true; },
+                      [] { return qint64(1000); }};
     std::vector<quint32> placed;
 
     Desk() {
