@@ -6,6 +6,7 @@
 #include "agent/ControlCommands.h"
 #include "agent/ControlServer.h"
 #include "app/LogRouter.h"
+#include "platform/linux/AtspiElements.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/FreedesktopOpener.h"
 #include "platform/linux/LinuxFileThumbnails.h"
@@ -131,6 +132,7 @@ std::optional<Platform> makeX11Platform() {
     platform.fileThumbnails = std::make_unique<LinuxFileThumbnails>();
     platform.opener = std::make_unique<FreedesktopOpener>();
     platform.systemProbes = std::make_unique<LinuxSystemProbes>();
+    platform.accessibleElements = std::make_shared<AtspiElements>();
     return platform;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Accessibility.h"
+#include "platform/AccessibleElements.h"
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
 #include "platform/DesktopOpener.h"
@@ -38,6 +39,8 @@ struct Platform {
     std::unique_ptr<FileThumbnails> fileThumbnails;
     std::unique_ptr<DesktopOpener> opener;
     std::unique_ptr<SystemProbes> systemProbes; // absent where nothing can be sampled
+    // Shared with the worker that reads other programs' tabs; absent where there is no such tree.
+    std::shared_ptr<AccessibleElements> accessibleElements;
 };
 
 } // namespace velmora

@@ -33,6 +33,10 @@ void WindowManagerModel::setScreenFrame(const Rect& frame) {
     assign(m_screenFrame, frame);
 }
 
+void WindowManagerModel::setAutoLayoutProposal(std::optional<AutoLayoutProposal> proposal) {
+    assign(m_autoLayoutProposal, std::move(proposal));
+}
+
 void WindowManagerModel::setSearchQuery(const QString& query) {
     assign(m_searchQuery, query);
 }

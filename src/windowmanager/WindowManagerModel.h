@@ -2,6 +2,7 @@
 
 #include "core/Rect.h"
 #include "core/WindowArea.h"
+#include "windowmanager/AutoLayoutProposal.h"
 
 #include <QObject>
 #include <QString>
@@ -9,7 +10,11 @@
 
 namespace velmora {
 
-// How windows are put in place; what each mode changes belongs to the snapping code.
+// How windows are put in place:
+// - DraggingAndKeyboard: the shortcuts act and a window dragged over a zone's anchor snaps there.
+// - KeyboardOnly: mouse snapping is switched off on this machine; only the shortcuts act.
+// - FillSpace: the auto-layout panel is open; a drag snaps nothing until it closes, when the mode
+//   returns to the one it interrupted.
 enum class WindowManagerMode { DraggingAndKeyboard, FillSpace, KeyboardOnly };
 
 // The zone the pointer is over, or that a shortcut just chose, with the frame it resolves to on the
@@ -42,7 +47,9 @@ public:
     const Rect& screenFrame() const { return m_screenFrame; }
     void setScreenFrame(const Rect& frame);
 
-    // The auto-layout proposal joins here, between the screen frame and the search, with its panel.
+    // Set while the auto-layout panel proposes windows for the space beside a snapped one.
+    const std::optional<AutoLayoutProposal>& autoLayoutProposal() const { return m_autoLayoutProposal; }
+    void setAutoLayoutProposal(std::optional<AutoLayoutProposal> proposal);
 
     const QString& searchQuery() const { return m_searchQuery; }
     void setSearchQuery(const QString& query);
@@ -58,6 +65,7 @@ private:
     std::optional<SnapTarget> m_snapTarget;
     bool m_dragging = false;
     Rect m_screenFrame;
+    std::optional<AutoLayoutProposal> m_autoLayoutProposal;
     QString m_searchQuery;
 };
 

@@ -47,9 +47,15 @@ WindowManagerModule::WindowManagerModule(AppContext& context)
               return prefs.windowManager.value();
           },
           [this] {
-              return unavailableReason().isEmpty() && m_model.mode() != WindowManagerMode::KeyboardOnly;
+              return unavailableReason().isEmpty() &&
+                     m_model.mode() == WindowManagerMode::DraggingAndKeyboard;
           },
-          context.nowMs) {
+          context.nowMs),
+      m_autoLayout(m_cache, *context.platform.accessibility, *context.platform.screens, m_actions, m_model,
+                   [&prefs = context.preferences]() -> const WindowManagerPreferences& {
+                       return prefs.windowManager.value();
+                   }),
+      m_tabs(context.platform.accessibleElements) {
     m_actions.onNothingToDo = [this](const QString& why) {
         if (m_context.brief)
             m_context.brief(why);

@@ -2,9 +2,11 @@
 
 #include "app/AppContext.h"
 #include "app/Module.h"
+#include "windowmanager/AutoLayout.h"
 #include "windowmanager/DragSnapping.h"
 #include "windowmanager/WindowManagerActions.h"
 #include "windowmanager/WindowManagerModel.h"
+#include "windowmanager/WindowTabs.h"
 #include "windowmanager/WindowsCache.h"
 
 namespace velmora {
@@ -23,6 +25,8 @@ public:
     WindowManagerActions& actions() { return m_actions; }
     WindowManagerModel& model() { return m_model; }
     DragSnapping& dragSnapping() { return m_drag; }
+    AutoLayout& autoLayout() { return m_autoLayout; }
+    WindowTabs& windowTabs() { return m_tabs; }
     // Why the window manager's actions cannot run now, or empty.
     QString unavailableReason() const;
 
@@ -35,6 +39,8 @@ private:
     WindowsCache m_cache;
     WindowManagerActions m_actions;
     DragSnapping m_drag;
+    AutoLayout m_autoLayout;
+    WindowTabs m_tabs;
 };
 
 } // namespace velmora

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/fake/FakeAccessibleElements.h"
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeDesktop.h"
@@ -32,6 +33,7 @@ struct FakePlatform {
     FakeFileThumbnails* fileThumbnails;
     FakeDesktopOpener* opener;
     FakeSystemProbes* systemProbes;
+    std::shared_ptr<FakeAccessibleElements> accessibleElements = std::make_shared<FakeAccessibleElements>();
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -71,6 +73,7 @@ struct FakePlatform {
         auto sp = std::make_unique<FakeSystemProbes>();
         systemProbes = sp.get();
         platform.systemProbes = std::move(sp);
+        platform.accessibleElements = accessibleElements;
     }
 };
 

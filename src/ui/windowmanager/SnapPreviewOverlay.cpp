@@ -26,6 +26,11 @@ Rect SnapPreviewOverlay::shownFrame() const {
 }
 
 void SnapPreviewOverlay::follow() {
+    // While the auto-layout panel is open, the space it proposes is shown.
+    if (const auto& proposal = m_model.autoLayoutProposal(); proposal && !proposal->targetFrames.empty()) {
+        present(proposal->targetFrames.front());
+        return;
+    }
     const auto& target = m_model.snapTarget();
     if (!m_model.isDragging() || !target || target->frame.width < 1 || target->frame.height < 1) {
         hide();

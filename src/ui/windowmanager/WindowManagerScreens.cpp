@@ -4,6 +4,7 @@
 #include "app/ModuleRegistry.h"
 #include "app/UserPreferences.h"
 #include "platform/Platform.h"
+#include "ui/windowmanager/AutoLayoutPanel.h"
 #include "ui/windowmanager/SnapPreviewOverlay.h"
 #include "ui/windowmanager/WindowManagerPreferencesPage.h"
 #include "ui/windowmanager/WindowSwitcher.h"
@@ -17,10 +18,11 @@ WindowManagerScreens::WindowManagerScreens(AppContext& context, WindowManagerMod
           windowManager.windowsCache(), *context.platform.accessibility, *context.platform.screens,
           context.platform.workspace.get(), context.shortcuts, *context.platform.keyboardLayout,
           [&prefs = context.preferences] { return prefs.theme.value().windowSwitcherWidth; })),
-      m_preview(
-          std::make_unique<SnapPreviewOverlay>(windowManager.model(), [&screens = *context.platform.screens] {
-              return screens.isCompositing();
-          })) {}
+      m_preview(std::make_unique<SnapPreviewOverlay>(
+          windowManager.model(), [&screens = *context.platform.screens] { return screens.isCompositing(); })),
+      m_autoLayout(std::make_unique<AutoLayoutPanel>(
+          windowManager.autoLayout(), windowManager.model(), windowManager.windowTabs(), context.preferences,
+          *context.platform.keyboardLayout, context.platform.workspace.get())) {}
 
 WindowManagerScreens::~WindowManagerScreens() = default;
 
@@ -32,20 +34,33 @@ QString WindowManagerScreens::switcherUnavailableReason() const {
     return {};
 }
 
+QString WindowManagerScreens::autoLayoutUnavailableReason() const {
+    if (const QString reason = m_windowManager.unavailableReason(); !reason.isEmpty())
+        return reason;
+    if (!m_context.preferences.windowManager.value().enableAutoLayout)
+        return "auto-layout is switched off (Preferences, Window Manager)";
+    return {};
+}
+
 void WindowManagerScreens::registerWith(ModuleRegistry& registry) {
     registry.actions().setHandler<action::OpenWindowSwitcher>(
         [this](const action::OpenWindowSwitcher& a) { m_switcher->open(a.previous); },
         [this] { return switcherUnavailableReason(); });
     auto& prefs = m_context.preferences;
     using A = KeyboardAppAction;
-    registry.addProvider(ActionProviders::Slot::switcherAndAutoLayout,
-                         std::make_unique<BindingsProvider>(
-                             [&prefs]() -> const KeyboardBindings& { return prefs.keyboardBindings.value(); },
-                             registry.actions(),
-                             std::vector<BindingsProvider::Entry>{
-                                 {A::switchWindow, action::OpenWindowSwitcher{false}},
-                                 {A::switchWindowPrevious, action::OpenWindowSwitcher{true}}}));
-    registry.addShortcutRows({A::switchWindow, A::switchWindowPrevious});
+    registry.addProvider(
+        ActionProviders::Slot::switcherAndAutoLayout,
+        std::make_unique<BindingsProvider>(
+            [&prefs]() -> const KeyboardBindings& { return prefs.keyboardBindings.value(); },
+            registry.actions(),
+            std::vector<BindingsProvider::Entry>{{A::switchWindow, action::OpenWindowSwitcher{false}},
+                                                 {A::switchWindowPrevious, action::OpenWindowSwitcher{true}},
+                                                 {A::proposeAutoLayout, action::ProposeAutoLayout{}}}));
+    registry.actions().setHandler<action::ProposeAutoLayout>(
+        [this](const action::ProposeAutoLayout&) { m_autoLayout->propose(); },
+        [this] { return autoLayoutUnavailableReason(); });
+    registry.addShortcutRows({A::switchWindow, A::switchWindowPrevious, A::proposeAutoLayout});
+    registry.addStatus("autoLayout", [this] { return autoLayoutStatus(); });
     registry.addStatus("switcher", [this] { return status(); });
     registry.addPreferencePage(WindowManagerPreferencesPage::kTitle, [this] {
         return new WindowManagerPreferencesPage(m_context.preferences, m_context.shortcuts,
@@ -66,6 +81,36 @@ Json WindowManagerScreens::status() const {
              {{"visible", m_preview->isVisible()},
               {"translucent", m_preview->isTranslucent()},
               {"frame", {preview.x, preview.y, preview.width, preview.height}}}}};
+}
+
+Json WindowManagerScreens::autoLayoutStatus() const {
+    const auto& proposal = m_windowManager.model().autoLayoutProposal();
+    Json rows = Json::array();
+    for (const auto& row : m_autoLayout->rows())
+        rows.push_back(
+            {{"window", row.window.id},
+             {"text", (row.tab ? row.tab->title
+                               : row.window.appName.value_or("") + " — " + row.window.title.value_or(""))
+                          .toStdString()},
+             {"tab", row.tab ? Json(row.tabIndex) : Json(nullptr)}});
+    Json tabs = Json::object();
+    for (const auto& [window, list] : m_autoLayout->knownTabs()) {
+        Json titles = Json::array();
+        for (const auto& tab : list)
+            titles.push_back(tab.title.toStdString());
+        tabs[std::to_string(window)] = titles;
+    }
+    Json frame = nullptr;
+    if (proposal && !proposal->targetFrames.empty()) {
+        const Rect& f = proposal->targetFrames.front();
+        frame = {f.x, f.y, f.width, f.height};
+    }
+    return {{"open", m_autoLayout->isOpen()},
+            {"snappedWindow", proposal ? Json(proposal->snappedWindow.id) : Json(nullptr)},
+            {"freeSpace", frame},
+            {"rows", rows},
+            {"selected", m_autoLayout->selectedIndex()},
+            {"tabs", tabs}};
 }
 
 } // namespace velmora

@@ -9,9 +9,11 @@ namespace velmora {
 
 class WindowManagerModule;
 class WindowSwitcher;
+class AutoLayoutPanel;
 class SnapPreviewOverlay;
 
-// The window manager's screens: the window switcher (Alt+Tab) and the Window Manager preference page.
+// The window manager's screens: the window switcher (Alt+Tab), the auto-layout panel, the snap
+// preview and the Window Manager preference page.
 class WindowManagerScreens final : public Module {
 public:
     WindowManagerScreens(AppContext& context, WindowManagerModule& windowManager);
@@ -21,15 +23,19 @@ public:
     void registerWith(ModuleRegistry& registry) override;
 
     WindowSwitcher& switcher() { return *m_switcher; }
+    AutoLayoutPanel& autoLayoutPanel() { return *m_autoLayout; }
 
 private:
     QString switcherUnavailableReason() const;
+    QString autoLayoutUnavailableReason() const;
+    Json autoLayoutStatus() const;
     Json status() const;
 
     AppContext& m_context;
     WindowManagerModule& m_windowManager;
     std::unique_ptr<WindowSwitcher> m_switcher;
     std::unique_ptr<SnapPreviewOverlay> m_preview;
+    std::unique_ptr<AutoLayoutPanel> m_autoLayout;
 };
 
 } // namespace velmora

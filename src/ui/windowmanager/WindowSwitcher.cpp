@@ -7,6 +7,7 @@
 #include "platform/Screens.h"
 #include "platform/Workspace.h"
 #include "ui/PanelPlacement.h"
+#include "ui/windowmanager/WindowRowDelegate.h"
 #include "windowmanager/LowLevelHelpers.h"
 #include "windowmanager/WindowsCache.h"
 
@@ -15,8 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPainter>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -26,14 +25,9 @@ namespace velmora {
 
 namespace {
 
-constexpr int AppNameRole = Qt::UserRole;
-constexpr int TitleRole = Qt::UserRole + 1;
-constexpr int IconRole = Qt::UserRole + 2;
-constexpr int kIconSize = 24;
-constexpr int kIconGap = 8;
+using Row = WindowRowDelegate;
 constexpr int kMargin = 8;
 constexpr int kSpacing = 6;
-constexpr int kRowPadding = 12;
 // The list grows with the number of windows up to this share of the screen, then scrolls.
 constexpr double kMaxHeightShare = 0.6;
 
@@ -44,79 +38,6 @@ QString searchText(const WindowInfo& w) {
 QString rowText(const WindowInfo& w) {
     return w.appName.value_or(QString()) + QString::fromUtf8(" — ") + w.title.value_or(QString());
 }
-
-// Draws a row as its program's name in bold followed by the window's title, each elided so that a
-// long title never hides which program the window belongs to.
-class RowDelegate final : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        QStyleOptionViewItem opt(option);
-        initStyleOption(&opt, index);
-        opt.text.clear();
-        const QWidget* widget = opt.widget;
-        const QStyle* style = widget ? widget->style() : QApplication::style();
-        style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);
-
-        const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &opt, widget);
-        const QRect iconRect(text.left() + 4, text.center().y() - kIconSize / 2 + 1, kIconSize, kIconSize);
-        drawIcon(painter, iconRect, index.data(IconRole).value<QImage>(), index.data(AppNameRole).toString());
-        const QRect r = text.adjusted(4 + kIconSize + kIconGap, 0, -4, 0);
-        const auto group = opt.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
-        const bool selected = opt.state.testFlag(QStyle::State_Selected);
-        QFont bold = opt.font;
-        bold.setBold(true);
-        const QFontMetrics boldMetrics(bold), plainMetrics(opt.font);
-        const QString app =
-            boldMetrics.elidedText(index.data(AppNameRole).toString(), Qt::ElideRight, r.width());
-        const int appWidth = boldMetrics.horizontalAdvance(app);
-        const QString rest =
-            plainMetrics.elidedText(QString::fromUtf8(" — ") + index.data(TitleRole).toString(),
-                                    Qt::ElideRight, std::max(0, r.width() - appWidth));
-
-        painter->save();
-        painter->setPen(opt.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
-        painter->setFont(bold);
-        painter->drawText(r, Qt::AlignVCenter | Qt::AlignLeft, app);
-        painter->setFont(opt.font);
-        painter->drawText(r.adjusted(appWidth, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, rest);
-        painter->restore();
-    }
-
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        QSize size = QStyledItemDelegate::sizeHint(option, index);
-        size.setHeight(std::max(
-            {size.height(), QFontMetrics(option.font).height() + kRowPadding, kIconSize + kRowPadding / 2}));
-        return size;
-    }
-
-private:
-    // A program without an icon gets its initial on a colour of its own, so rows stay easy to tell apart.
-    static void drawIcon(QPainter* painter, const QRect& r, const QImage& icon, const QString& app) {
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        if (!icon.isNull()) {
-            painter->drawImage(r, icon);
-        } else {
-            const QColor fill = QColor::fromHsv(int(qHash(app) % 360), 110, 190);
-            painter->setPen(Qt::NoPen);
-            painter->setBrush(fill);
-            painter->drawRoundedRect(r, 5, 5);
-            QFont font = painter->font();
-            font.setBold(true);
-            font.setPixelSize(r.height() * 3 / 5);
-            painter->setFont(font);
-            painter->setPen(Qt::white);
-            const QString letter =
-                app.trimmed().isEmpty() ? QStringLiteral("?") : app.trimmed().left(1).toUpper();
-            painter->drawText(r, Qt::AlignCenter, letter);
-        }
-        painter->restore();
-    }
-};
 
 } // namespace
 
@@ -193,7 +114,7 @@ void WindowSwitcher::open(bool previous) {
     if (const auto usable = PanelPlacement::mainUsableArea(m_screens)) {
         m_content->ensurePolished();
         const int rowHeight = m_list->count() > 0 ? m_list->sizeHintForRow(0)
-                                                  : QFontMetrics(m_list->font()).height() + kRowPadding;
+                                                  : QFontMetrics(m_list->font()).height() + Row::kRowPadding;
         const double natural = 2 * kMargin + m_search->sizeHint().height() + kSpacing +
                                std::max(1, n) * rowHeight + 2 * m_list->frameWidth();
         frame = PanelPlacement::centredIn(*usable, m_panelWidth(),
@@ -256,7 +177,7 @@ QWidget* WindowSwitcher::buildContent() {
     m_list->setObjectName("windowSwitcherList");
     // The search field keeps the keyboard so that typing always filters.
     m_list->setFocusPolicy(Qt::NoFocus);
-    m_list->setItemDelegate(new RowDelegate(m_list));
+    m_list->setItemDelegate(new WindowRowDelegate(m_list));
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setUniformItemSizes(true);
     PanelPlacement::keepSelectionColourWhenInactive(*m_list);
@@ -305,11 +226,12 @@ void WindowSwitcher::fillList() {
     m_list->clear();
     for (const auto& w : m_rows) {
         auto* item = new QListWidgetItem(rowText(w), m_list);
-        item->setData(AppNameRole, w.appName.value_or(QString()));
-        item->setData(TitleRole, w.title.value_or(QString()));
+        item->setData(Row::AppNameRole, w.appName.value_or(QString()));
+        item->setData(Row::TitleRole, w.title.value_or(QString()));
         if (m_workspace)
-            item->setData(IconRole, m_workspace->applicationIcon(w.id, w.appName.value_or(QString()),
-                                                                 kIconSize * m_list->devicePixelRatio()));
+            item->setData(Row::IconRole,
+                          m_workspace->applicationIcon(w.id, w.appName.value_or(QString()),
+                                                       Row::kIconSize * m_list->devicePixelRatio()));
     }
     select(m_selected < int(m_rows.size()) ? m_selected : -1);
     // An empty list says why, so the panel never looks broken.

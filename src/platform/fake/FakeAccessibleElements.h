@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/AccessibleElements.h"
+
+#include <map>
+#include <mutex>
+
+namespace velmora {
+
+// Accessibility trees by hand: what each window yields for a role, and what was pressed.
+class FakeAccessibleElements final : public AccessibleElements {
+public:
+    std::vector<AccessibleElement> query(const AccessibleWindow& window,
+                                         const AXElementQuery& query) override {
+        std::lock_guard lock(mutex);
+        queries.push_back(query.selector.role);
+        if (query.kind == AXElementQuery::Kind::discard)
+            return {};
+        const auto found = elements.find({window.id, query.selector.role});
+        return found == elements.end() ? std::vector<AccessibleElement>{} : found->second;
+    }
+    bool press(const AccessibleElement& element) override {
+        std::lock_guard lock(mutex);
+        pressed.push_back(element);
+        return true;
+    }
+
+    std::mutex mutex;
+    std::map<std::pair<quint32, QString>, std::vector<AccessibleElement>> elements; // (window, role)
+    std::vector<QString> queries; // the roles asked, in turn
+    std::vector<AccessibleElement> pressed;
+};
+
+} // namespace velmora
