@@ -114,8 +114,21 @@ QProcessEnvironment VirtualDesktop::environment() const {
     env.insert("XDG_DATA_HOME", m_home.path() + "/data");
     env.insert("XDG_RUNTIME_DIR", m_home.path() + "/runtime");
     env.remove("WAYLAND_DISPLAY");
-    env.remove("DBUS_SESSION_BUS_ADDRESS"); // the tray must be the X11 one under test
+    // The tray must be the X11 one under test: no bus of the user's where a tray of theirs could answer.
+    env.remove("DBUS_SESSION_BUS_ADDRESS");
+    if (!m_sessionBus.isEmpty())
+        env.insert("DBUS_SESSION_BUS_ADDRESS", m_sessionBus);
     return env;
+}
+
+bool VirtualDesktop::startSessionBus() {
+    QDir().mkpath(m_home.path() + "/runtime");
+    QProcess* bus = start("dbus-daemon", {"--session", "--nofork", "--print-address=1",
+                                          "--address=unix:dir=" + m_home.path() + "/runtime"});
+    if (!bus->waitForReadyRead(5000))
+        return false;
+    m_sessionBus = QString::fromUtf8(bus->readLine()).trimmed();
+    return !m_sessionBus.isEmpty();
 }
 
 VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QStringList& args,

@@ -51,6 +51,11 @@ public:
     Output run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
     // Starts a compositing manager (xcompmgr); it runs until the desktop ends or it is stopped.
     QProcess* startCompositor();
+    // Starts a D-Bus session bus of this desktop's own; from then on the programs started here use it
+    // (services it can activate, such as the accessibility bus, come from the system's service files).
+    // False when no bus could be started.
+    bool startSessionBus();
+    const QString& sessionBusAddress() const { return m_sessionBus; }
     // Starts a program that keeps running until the desktop ends (or it is stopped).
     QProcess* start(const QString& program, const QStringList& args);
 
@@ -66,6 +71,7 @@ private:
     Options m_options;
     QTemporaryDir m_home;
     QString m_display;
+    QString m_sessionBus;
     std::vector<std::unique_ptr<QProcess>> m_processes;
 };
 
