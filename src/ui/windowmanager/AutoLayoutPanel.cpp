@@ -126,6 +126,7 @@ void AutoLayoutPanel::propose() {
     m_controller->show(PanelPlacement::centredIn(free, width, std::min(natural, std::floor(free.height))));
     m_controller->window()->installEventFilter(this);
     m_search->setFocus();
+    emit placed(m_controller->window()->geometry());
     readTabs();
 }
 
@@ -412,6 +413,7 @@ void AutoLayoutPanel::panelClosed() {
     m_list = nullptr;
     m_empty = nullptr;
     m_content = nullptr;
+    emit placed(QRect());
     m_autoLayout.end();
 }
 

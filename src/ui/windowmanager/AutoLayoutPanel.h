@@ -62,6 +62,10 @@ public:
     // The tabs read so far, by window.
     const std::map<quint32, std::vector<TabInfo>>& knownTabs() const { return m_tabs; }
 
+signals:
+    // Where the panel is on the screen while it is open; empty once it closed.
+    void placed(const QRect& frame);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -47,18 +47,33 @@ void SnapPreviewOverlay::present(const Rect& frame) {
     const QRect geometry = frame.toQRectF().toAlignedRect();
     if (geometry != this->geometry())
         setGeometry(geometry);
-    if (m_translucent) {
-        clearMask();
-    } else {
-        // Only the outline exists: what lies inside stays visible and untouched.
-        const QRegion outer(rect());
-        setMask(outer.subtracted(
-            QRegion(rect().adjusted(kOutlineWidth, kOutlineWidth, -kOutlineWidth, -kOutlineWidth))));
-    }
+    applyMask();
     if (!wasVisible)
         show();
     raise();
     update();
+}
+
+void SnapPreviewOverlay::setCutout(const QRect& cutout) {
+    if (cutout == m_cutout)
+        return;
+    m_cutout = cutout;
+    if (isVisible())
+        applyMask();
+}
+
+void SnapPreviewOverlay::applyMask() {
+    // Only the outline exists without a compositor: what lies inside stays visible and untouched.
+    QRegion shape(rect());
+    if (!m_translucent)
+        shape = shape.subtracted(
+            QRegion(rect().adjusted(kOutlineWidth, kOutlineWidth, -kOutlineWidth, -kOutlineWidth)));
+    if (!m_cutout.isEmpty())
+        shape = shape.subtracted(QRegion(m_cutout.translated(-geometry().topLeft())));
+    if (shape == QRegion(rect()))
+        clearMask();
+    else
+        setMask(shape);
 }
 
 void SnapPreviewOverlay::paintEvent(QPaintEvent*) {

@@ -22,6 +22,10 @@ public:
     bool isTranslucent() const { return m_translucent; }
     // The frame shown, top-left space; empty while hidden.
     Rect shownFrame() const;
+    // A window of ours that sits over the preview (the auto-layout panel in the space it proposes):
+    // the preview leaves that part of the screen out, since an overlay cannot be stacked below one
+    // managed window and above the others. Screen coordinates; empty for none.
+    void setCutout(const QRect& cutout);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -32,10 +36,12 @@ private:
 
     void follow();
     void present(const Rect& frame);
+    void applyMask();
 
     WindowManagerModel& m_model;
     std::function<bool()> m_isCompositing;
     bool m_translucent = false;
+    QRect m_cutout;
 };
 
 } // namespace velmora

@@ -22,7 +22,10 @@ WindowManagerScreens::WindowManagerScreens(AppContext& context, WindowManagerMod
           windowManager.model(), [&screens = *context.platform.screens] { return screens.isCompositing(); })),
       m_autoLayout(std::make_unique<AutoLayoutPanel>(
           windowManager.autoLayout(), windowManager.model(), windowManager.windowTabs(), context.preferences,
-          *context.platform.keyboardLayout, context.platform.workspace.get())) {}
+          *context.platform.keyboardLayout, context.platform.workspace.get())) {
+    QObject::connect(m_autoLayout.get(), &AutoLayoutPanel::placed, m_preview.get(),
+                     &SnapPreviewOverlay::setCutout);
+}
 
 WindowManagerScreens::~WindowManagerScreens() = default;
 
