@@ -11,8 +11,12 @@
 #include "platform/linux/FreedesktopOpener.h"
 #include "platform/linux/LinuxFileThumbnails.h"
 #include "platform/linux/LinuxSystemProbes.h"
+#include "platform/linux/LoginManagerInhibitor.h"
 #include "platform/linux/ProcessCommands.h"
+#include "platform/linux/ScreenSaverInhibitor.h"
 #include "platform/linux/SettingsDefaults.h"
+#include "platform/linux/SleepAndScreenInhibitor.h"
+#include "platform/linux/SystemdSleepSettings.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/XdgAutostart.h"
 #include "platform/x11/X11Accessibility.h"
@@ -23,6 +27,7 @@
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Log.h"
 #include "platform/x11/X11Permission.h"
+#include "platform/x11/X11ScreenSaverSuspend.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowServer.h"
 #include "platform/x11/X11Workspace.h"
@@ -133,6 +138,15 @@ std::optional<Platform> makeX11Platform() {
     platform.opener = std::make_unique<FreedesktopOpener>();
     platform.systemProbes = std::make_unique<LinuxSystemProbes>();
     platform.accessibleElements = std::make_shared<AtspiElements>();
+    // Sleep through the login manager; the screen through the desktop's screen saver service, else
+    // the X server's own screen saver and DPMS.
+    std::unique_ptr<SleepInhibitor> xScreenSaver;
+    if (auto forScreenSaver = X11Connection::borrowApplication())
+        xScreenSaver = std::make_unique<X11ScreenSaverSuspend>(std::move(*forScreenSaver));
+    platform.sleepInhibitor = std::make_unique<SleepAndScreenInhibitor>(
+        std::make_unique<LoginManagerInhibitor>(),
+        std::make_unique<ScreenSaverInhibitor>(std::move(xScreenSaver)));
+    platform.sleepSettings = std::make_unique<SystemdSleepSettings>(*platform.commands);
     return platform;
 }
 

@@ -8,6 +8,7 @@
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/MainThread.h"
 #include "monitoring/SystemMonitoringModule.h"
+#include "power/PowerManagementModule.h"
 #include "ui/BriefMessage.h"
 #include "ui/DeveloperPreferencesPage.h"
 #include "ui/DropDownPanelView.h"
@@ -20,6 +21,7 @@
 #include "ui/clipboard/ClipboardHistoryScreens.h"
 #include "ui/monitoring/MenubarSystemMonitoringView.h"
 #include "ui/monitoring/SystemMonitoringScreens.h"
+#include "ui/power/PowerManagementScreens.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
 #include "windowmanager/WindowManagerModule.h"
 
@@ -65,6 +67,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     startModule(*module<WindowManagerModule>(), "windowCache");
     startModule(*module<ClipboardHistoryModule>(), "clipboardWatcher");
     startModule(*module<SystemMonitoringModule>(), "systemMonitoring");
+    startModule(*module<PowerManagementModule>(), "powerManagement");
     showWelcomeWindowIfNeeded();
 }
 
@@ -152,6 +155,8 @@ void AppDelegate::createModules() {
     m_menubarPopover->showSystemMonitoring(monitoringScreens.menubarView(), [this] {
         m_dispatcher.dispatch(action::OpenSystemMonitoringDashboard{}, "systemMonitoringItem");
     });
+    auto& power = addModule<PowerManagementModule>();
+    addModule<PowerManagementScreens>(power);
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);

@@ -12,6 +12,8 @@
 #include "platform/Pasteboard.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
+#include "platform/SleepInhibitor.h"
+#include "platform/SleepSettings.h"
 #include "platform/SystemProbes.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
@@ -41,6 +43,9 @@ struct Platform {
     std::unique_ptr<SystemProbes> systemProbes; // absent where nothing can be sampled
     // Shared with the worker that reads other programs' tabs; absent where there is no such tree.
     std::shared_ptr<AccessibleElements> accessibleElements;
+    // Keeping the computer awake: while the agent runs, and system-wide. Absent where neither exists.
+    std::unique_ptr<SleepInhibitor> sleepInhibitor;
+    std::unique_ptr<SleepSettings> sleepSettings;
 };
 
 } // namespace velmora

@@ -13,6 +13,8 @@
 #include "platform/fake/FakePasteboard.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
+#include "platform/fake/FakeSleepInhibitor.h"
+#include "platform/fake/FakeSleepSettings.h"
 #include "platform/fake/FakeSystemProbes.h"
 #include "platform/fake/FakeWorkspace.h"
 
@@ -34,6 +36,8 @@ struct FakePlatform {
     FakeDesktopOpener* opener;
     FakeSystemProbes* systemProbes;
     std::shared_ptr<FakeAccessibleElements> accessibleElements = std::make_shared<FakeAccessibleElements>();
+    FakeSleepInhibitor* sleepInhibitor;
+    FakeSleepSettings* sleepSettings;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -74,6 +78,12 @@ struct FakePlatform {
         systemProbes = sp.get();
         platform.systemProbes = std::move(sp);
         platform.accessibleElements = accessibleElements;
+        auto si = std::make_unique<FakeSleepInhibitor>();
+        sleepInhibitor = si.get();
+        platform.sleepInhibitor = std::move(si);
+        auto ss = std::make_unique<FakeSleepSettings>();
+        sleepSettings = ss.get();
+        platform.sleepSettings = std::move(ss);
     }
 };
 
