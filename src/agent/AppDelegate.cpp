@@ -66,9 +66,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
     startModule(*module<ClipboardHistoryModule>(), "clipboardWatcher");
+    showWelcomeWindowIfNeeded();
     startModule(*module<SystemMonitoringModule>(), "systemMonitoring");
     startModule(*module<PowerManagementModule>(), "powerManagement");
-    showWelcomeWindowIfNeeded();
 }
 
 void AppDelegate::applicationWillTerminate() {

@@ -108,7 +108,7 @@ TEST(ModuleContract, PanelRowsAndPreferencePagesComeFromTheModules) {
     agent.app.openPreferences();
     ASSERT_TRUE(agent.app.preferencesWindow());
     EXPECT_EQ(agent.app.preferencesWindow()->pageTitles(),
-              QStringList({"General", "Window Manager", "Clipboard History", "System Monitor",
+              QStringList({"General", "Window Manager", "Clipboard History", "System Monitor", "Power",
                            "Keyboard Shortcuts", "Developer"}));
 
     auto& panelController = agent.app.menubarPopover()->windowController();
