@@ -7,6 +7,7 @@
 #include "clipboard/ClipboardLog.h"
 #include "clipboard/KeyboardCleaningModule.h"
 #include "core/MainThread.h"
+#include "dimming/DimmingModule.h"
 #include "monitoring/SystemMonitoringModule.h"
 #include "power/PowerManagementModule.h"
 #include "ui/BriefMessage.h"
@@ -19,6 +20,7 @@
 #include "ui/ShortcutRenderer.h"
 #include "ui/WelcomeView.h"
 #include "ui/clipboard/ClipboardHistoryScreens.h"
+#include "ui/dimming/DimmingScreens.h"
 #include "ui/monitoring/MenubarSystemMonitoringView.h"
 #include "ui/monitoring/SystemMonitoringScreens.h"
 #include "ui/power/PowerManagementScreens.h"
@@ -65,6 +67,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     createModules();
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
+    startModule(*module<DimmingModule>(), "monitorDimming");
     startModule(*module<ClipboardHistoryModule>(), "clipboardWatcher");
     showWelcomeWindowIfNeeded();
     startModule(*module<SystemMonitoringModule>(), "systemMonitoring");
@@ -155,6 +158,8 @@ void AppDelegate::createModules() {
     m_menubarPopover->showSystemMonitoring(monitoringScreens.menubarView(), [this] {
         m_dispatcher.dispatch(action::OpenSystemMonitoringDashboard{}, "systemMonitoringItem");
     });
+    auto& dimming = addModule<DimmingModule>(DimmingScreens::overlayFactory());
+    addModule<DimmingScreens>(dimming);
     auto& power = addModule<PowerManagementModule>();
     addModule<PowerManagementScreens>(power);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ScreenInfo.h"
+#include "platform/ScreensNotifier.h"
 
 #include <optional>
 #include <vector>
@@ -24,6 +25,12 @@ public:
     // Whether a compositing manager draws the desktop: without one, a translucent window shows its
     // transparent pixels black.
     virtual bool isCompositing() const { return false; }
+
+    // Where changes of the above are announced.
+    ScreensNotifier& notifier() const { return m_notifier; }
+
+private:
+    mutable ScreensNotifier m_notifier;
 };
 
 } // namespace velmora

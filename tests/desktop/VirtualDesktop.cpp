@@ -71,7 +71,7 @@ QProcess* VirtualDesktop::startServer() {
                 "EndSection\n"
                 "Section \"Screen\"\n Identifier \"s\"\n Device \"dummy\"\n Monitor \"m\"\n DefaultDepth 24\n"
                 " SubSection \"Display\"\n  Depth 24\n  Virtual %1 %2\n EndSubSection\nEndSection\n")
-            .arg(2 * m_options.width)
+            .arg(m_options.width + rightWidth())
             .arg(m_options.height)
             .toLatin1());
     file.close();
@@ -81,16 +81,16 @@ QProcess* VirtualDesktop::startServer() {
 
 void VirtualDesktop::splitIntoTwoMonitors() {
     // One output as wide as both, then two RandR monitors on it: what the agent reads as two screens.
-    const int w = m_options.width, h = m_options.height;
-    const QString mode = QString("%1x%2").arg(2 * w).arg(h);
-    run("xrandr", {"--newmode", mode, "200", QString::number(2 * w), QString::number(2 * w + 100),
-                   QString::number(2 * w + 200), QString::number(2 * w + 300), QString::number(h),
+    const int w = m_options.width, h = m_options.height, total = w + rightWidth();
+    const QString mode = QString("%1x%2").arg(total).arg(h);
+    run("xrandr", {"--newmode", mode, "200", QString::number(total), QString::number(total + 100),
+                   QString::number(total + 200), QString::number(total + 300), QString::number(h),
                    QString::number(h + 3), QString::number(h + 10), QString::number(h + 30)});
     run("xrandr", {"--addmode", "DUMMY0", mode});
     run("xrandr", {"--output", "DUMMY0", "--mode", mode});
-    const QString size = QString("%1/381x%2/238").arg(w).arg(h);
-    run("xrandr", {"--setmonitor", "LEFT", size + "+0+0", "DUMMY0"});
-    run("xrandr", {"--setmonitor", "RIGHT", size + QString("+%1+0").arg(w), "none"});
+    run("xrandr", {"--setmonitor", "LEFT", QString("%1/381x%2/238+0+0").arg(w).arg(h), "DUMMY0"});
+    run("xrandr",
+        {"--setmonitor", "RIGHT", QString("%1/381x%2/238+%3+0").arg(rightWidth()).arg(h).arg(w), "none"});
 }
 
 VirtualDesktop::~VirtualDesktop() {

@@ -20,6 +20,8 @@ public:
         // Two monitors side by side, each width x height. Xvfb has a single RandR output and ignores
         // added monitors, so this desktop runs on Xorg's dummy driver instead.
         bool twoMonitors = false;
+        // The right monitor's width when it differs from the left one's (two monitors only).
+        int secondWidth = 0;
         // The tray host's panel dark instead of the toolkit's light grey.
         bool darkTray = false;
     };
@@ -67,6 +69,7 @@ public:
 private:
     QProcess* startServer();
     void splitIntoTwoMonitors();
+    int rightWidth() const { return m_options.secondWidth > 0 ? m_options.secondWidth : m_options.width; }
 
     Options m_options;
     QTemporaryDir m_home;

@@ -27,8 +27,10 @@ void X11EventHub::selectRootEvents() {
         xcb_get_window_attributes_reply(c, attributesCookie, nullptr));
     XcbPtr<xcb_xfixes_query_version_reply_t> xfixesVersion(
         xcb_xfixes_query_version_reply(c, xfixesCookie, nullptr));
+    // Substructure: windows mapped or restacked at the top level, which overlays must stay above.
     const std::uint32_t mask = (attributes ? attributes->your_event_mask : 0) |
-                               XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+                               XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                               XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(c, m_x.root(), XCB_CW_EVENT_MASK, &mask);
 
     if (const auto* randr = xcb_get_extension_data(c, &xcb_randr_id); randr && randr->present) {
@@ -44,17 +46,26 @@ void X11EventHub::selectRootEvents() {
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                               XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                               XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+        // A compositing manager holds this selection while it runs.
+        xcb_xfixes_select_selection_input(c, m_x.root(), m_x.atom("_NET_WM_CM_S0"),
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     } else {
         qCWarning(lcX11) << "The X server has no XFIXES: clipboard changes will not be seen.";
     }
     xcb_flush(c);
 }
 
+bool X11EventHub::isOwnWindow(xcb_window_t window) const {
+    const xcb_setup_t* setup = xcb_get_setup(m_x.connection());
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
 void X11EventHub::watch(xcb_window_t window) {
     // The toolkit's own windows are left alone: an event mask is per client, and selecting ours on
     // them would replace the toolkit's (its keys and focus would stop arriving).
-    const xcb_setup_t* setup = xcb_get_setup(m_x.connection());
-    if ((window & ~setup->resource_id_mask) == setup->resource_id_base)
+    if (isOwnWindow(window))
         return;
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     // A window that is already gone makes the server answer with an error, which the toolkit ignores.
@@ -67,7 +78,41 @@ bool X11EventHub::nativeEventFilter(const QByteArray& eventType, void* message, 
     return false; // the toolkit sees every event too
 }
 
+// Events about the root window's children (the substructure) are kept apart from the events of the
+// windows the hub watches, which they would otherwise repeat.
+bool X11EventHub::dispatchTopLevel(const xcb_generic_event_t* event) {
+    const std::uint8_t type = event->response_type & 0x7f;
+    xcb_window_t parent = XCB_WINDOW_NONE, window = XCB_WINDOW_NONE;
+    bool overrideRedirect = false;
+    if (type == XCB_MAP_NOTIFY) {
+        const auto* e = reinterpret_cast<const xcb_map_notify_event_t*>(event);
+        parent = e->event, window = e->window, overrideRedirect = e->override_redirect;
+    } else if (type == XCB_CONFIGURE_NOTIFY) {
+        const auto* e = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
+        parent = e->event, window = e->window, overrideRedirect = e->override_redirect;
+    } else if (type == XCB_UNMAP_NOTIFY) {
+        const auto* e = reinterpret_cast<const xcb_unmap_notify_event_t*>(event);
+        parent = e->event, window = e->window;
+    } else if (type == XCB_DESTROY_NOTIFY) {
+        const auto* e = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+        parent = e->event, window = e->window;
+    } else if (type == XCB_REPARENT_NOTIFY || type == XCB_CREATE_NOTIFY || type == XCB_GRAVITY_NOTIFY ||
+               type == XCB_CIRCULATE_NOTIFY) {
+        return true; // only the substructure mask brings these
+    } else {
+        return false;
+    }
+    if (parent != m_x.root() || window == m_x.root())
+        return false;
+    // Managed windows are restacked by the window manager, which the window list reports.
+    if (overrideRedirect && !isOwnWindow(window))
+        emit windowStackedOnTop();
+    return true;
+}
+
 void X11EventHub::dispatch(const xcb_generic_event_t* event) {
+    if (dispatchTopLevel(event))
+        return;
     const std::uint8_t type = event->response_type & 0x7f;
     switch (type) {
     case XCB_PROPERTY_NOTIFY: {

@@ -32,10 +32,14 @@ signals:
     void windowChanged(xcb_window_t window);
     // The owner of a selection (CLIPBOARD) changed; owner 0 when it went away.
     void selectionOwnerChanged(xcb_atom_t selection, xcb_window_t owner);
+    // Another client's override-redirect window was mapped or restacked at the top level.
+    void windowStackedOnTop();
 
 private:
     void selectRootEvents();
     void dispatch(const xcb_generic_event_t* event);
+    bool dispatchTopLevel(const xcb_generic_event_t* event);
+    bool isOwnWindow(xcb_window_t window) const;
 
     X11Connection m_x;
     std::uint8_t m_randrEventBase = 0;

@@ -20,6 +20,14 @@ X11Screens::X11Screens(X11EventHub& hub, const X11WindowServer& windows) : m_x(h
         if (property == m_x.atom("_NET_WM_STRUT_PARTIAL") || property == m_x.atom("_NET_WM_STRUT"))
             scheduleRefresh();
     });
+    connect(&hub, &X11EventHub::selectionOwnerChanged, this, [this](xcb_atom_t selection, xcb_window_t) {
+        if (selection == m_x.atom("_NET_WM_CM_S0")) {
+            qCInfo(lcX11) << (isCompositing() ? "A compositing manager started."
+                                              : "The compositing manager ended.");
+            emit notifier().compositingChanged();
+        }
+    });
+    connect(&hub, &X11EventHub::windowStackedOnTop, &notifier(), &ScreensNotifier::windowStackedOnTop);
     m_screens = read();
 }
 
@@ -35,6 +43,7 @@ void X11Screens::refresh() {
     m_screens = std::move(fresh);
     qCInfo(lcX11) << "The screens changed:" << m_screens.size() << "now.";
     emit changed();
+    emit notifier().screensChanged();
 }
 
 std::vector<X11Screens::Monitor> X11Screens::monitors() const {

@@ -1,0 +1,3 @@
+#include "dimming/DimmingLog.h"
+
+Q_LOGGING_CATEGORY(lcDimming, "velmora.dimming", QtInfoMsg)
