@@ -99,7 +99,8 @@ TEST(AppDelegate, StartsInItsFixedOrder) {
     app.applicationDidFinishLaunching();
     EXPECT_EQ(app.startupSteps(),
               QStringList({"clipboardStore", "preferences", "statusItems", "permissionPoll", "windowCache",
-                           "clipboardWatcher", "welcome", "systemMonitoring", "powerManagement"}));
+                           "monitorDimming", "clipboardWatcher", "welcome", "systemMonitoring",
+                           "powerManagement"}));
     ASSERT_TRUE(app.menubarPopover());
     EXPECT_EQ(app.menubarPopover()->mainStatusItem()->autosaveName(), "Velmora");
     EXPECT_EQ(app.menubarPopover()->systemMonitoringItem()->autosaveName(), "Velmora:SystemMonitoring");
