@@ -274,19 +274,50 @@ void AppDelegate::showBrief(const QString& text) {
         m_brief->showOn(screen, text);
 }
 
-// A state the user must see (the keyboard is off) changes the tray icon and puts a notice with the
-// button that ends it on every screen, for as long as it lasts.
+namespace {
+
+// The buttons of the states without a notice, at the top of the tray icon's menu, above a separator.
+void offerEndsInMenu(QMenu& menu, const std::vector<StatusIndicator>& active) {
+    // Removed, not deleted: the action triggered may be the one that ended its state.
+    for (QAction* action : menu.actions())
+        if (action->property("indicator").isValid()) {
+            menu.removeAction(action);
+            action->deleteLater();
+        }
+    QAction* first = menu.actions().value(0);
+    for (const StatusIndicator& indicator : active) {
+        if (indicator.notice)
+            continue;
+        auto* end = new QAction(indicator.endTitle, &menu);
+        end->setProperty("indicator", indicator.id);
+        QObject::connect(end, &QAction::triggered, &menu, [end = indicator.end] { end(); });
+        menu.insertAction(first, end);
+    }
+    if (menu.actions().value(0) != first)
+        menu.insertSeparator(first)->setProperty("indicator", "");
+}
+
+} // namespace
+
+// A state the user must see (the keyboard is off, sleep is prevented) changes the tray icon for as
+// long as it lasts. The first that wants a notice puts one, with the button that ends it, on every
+// screen; the others offer that button at the top of the tray icon's menu.
 void AppDelegate::showIndicators() {
     const auto active = m_registry ? m_registry->activeIndicators() : std::vector<StatusIndicator>{};
     m_notices.clear();
+    QStringList titles;
+    for (const StatusIndicator& indicator : active)
+        titles << indicator.title;
     if (m_menubarPopover)
         m_menubarPopover->showState(active.empty() ? std::nullopt : std::optional(active.front().glyph),
-                                    active.empty() ? QString("Velmora") : "Velmora: " + active.front().title);
-    if (active.empty())
+                                    active.empty() ? QString("Velmora") : "Velmora: " + titles.join("; "));
+    if (m_contextMenu)
+        offerEndsInMenu(*m_contextMenu, active);
+    const auto shown = std::find_if(active.begin(), active.end(), [](const auto& i) { return i.notice; });
+    if (shown == active.end())
         return;
-    const StatusIndicator& shown = active.front();
     for (QScreen* screen : QGuiApplication::screens()) {
-        auto notice = std::make_unique<ScreenNotice>(shown.title, shown.text, shown.endTitle, shown.end);
+        auto notice = std::make_unique<ScreenNotice>(shown->title, shown->text, shown->endTitle, shown->end);
         notice->showOn(screen);
         m_notices.push_back(std::move(notice));
     }

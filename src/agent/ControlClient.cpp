@@ -1,8 +1,10 @@
 #include "agent/ControlClient.h"
 
+#include "agent/ControlCommands.h"
 #include "agent/ControlServer.h"
 
 #include <QLocalSocket>
+#include <algorithm>
 #include <cstdio>
 
 namespace velmora {
@@ -34,8 +36,17 @@ std::optional<ControlClient::Answer> ControlClient::request(const QStringList& a
     }
 }
 
+int ControlClient::timeoutFor(const QString& command) {
+    if (ControlCommands::isAgentCommand(command))
+        return kDefaultTimeoutMs;
+    const auto answer = request({"timeout", command});
+    if (!answer || !answer->ok || !answer->result.is_number_integer())
+        return kDefaultTimeoutMs;
+    return std::max(kDefaultTimeoutMs, answer->result.get<int>());
+}
+
 int ControlClient::run(const QStringList& args) {
-    const auto answer = request(args);
+    const auto answer = request(args, timeoutFor(args.value(0)));
     if (!answer) {
         std::fputs("velmora: the agent is not running (start it with `velmora`)\n", stderr);
         return 2;

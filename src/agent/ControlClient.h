@@ -16,11 +16,18 @@ public:
         QString error;
     };
 
-    // Absent when no agent is listening.
-    static std::optional<Answer> request(const QStringList& args, int timeoutMs = 5000);
+    // For connecting, and for an answer to a command that declares no wait of its own.
+    static constexpr int kDefaultTimeoutMs = 5000;
 
-    // Runs a command for the user: prints JSON on success, one line on standard error otherwise.
+    // Absent when no agent is listening.
+    static std::optional<Answer> request(const QStringList& args, int timeoutMs = kDefaultTimeoutMs);
+
+    // Runs a command for the user: prints JSON on success, one line on standard error otherwise. A
+    // module's command is waited for as long as the agent says it may take (an administrator prompt).
     static int run(const QStringList& args);
+
+private:
+    static int timeoutFor(const QString& command);
 };
 
 } // namespace velmora

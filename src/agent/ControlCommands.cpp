@@ -2,6 +2,7 @@
 
 #include "Version.h"
 #include "agent/AppDelegate.h"
+#include "agent/ControlClient.h"
 #include "agent/ModelCheck.h"
 #include "ui/BriefMessage.h"
 #include "ui/PreferencesWindow.h"
@@ -65,6 +66,19 @@ QString kindOf(QMetaType::Type type) {
     }
 }
 
+// The tray icon's glyph, as the status names it.
+const char* glyphName(const std::optional<StatusGlyph>& glyph) {
+    if (!glyph)
+        return "normal";
+    switch (*glyph) {
+    case StatusGlyph::keyboardOff:
+        return "keyboardOff";
+    case StatusGlyph::sleepPrevented:
+        return "sleepPrevented";
+    }
+    return "normal";
+}
+
 Json localValueToJson(const QVariant& v) {
     switch (v.typeId()) {
     case QMetaType::Bool:
@@ -98,6 +112,7 @@ const std::vector<HelpLine>& agentCommands() {
         {"panel [show|hide|toggle]", "the drop-down panel"},
         {"preferences [PAGE]", "open the preferences window, e.g. at \"Window Manager\""},
         {"action NAME", "carry out an application action, e.g. centerWindow"},
+        {"timeout COMMAND", "how long the command line waits for COMMAND's answer, in milliseconds"},
         {"quit", "stop the agent"},
     };
     return lines;
@@ -145,6 +160,8 @@ ControlReply ControlCommands::handle(const QStringList& args) {
         return quit();
     if (command == "action" && n == 2)
         return action(args[1]);
+    if (command == "timeout" && n == 2)
+        return ControlReply::success(clientTimeoutMs(args[1]));
     // For tests and benchmarks: a busy main thread, the cached desktop models against a fresh listing.
     if (command == "debug")
         return debug(args.mid(1));
@@ -176,6 +193,19 @@ void ControlCommands::handle(const QStringList& args, std::function<void(Control
             return;
         }
     reply(handle(args));
+}
+
+bool ControlCommands::isAgentCommand(const QString& name) {
+    const auto& lines = agentCommands();
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const HelpLine& line) { return line.command.section(' ', 0, 0) == name; });
+}
+
+int ControlCommands::clientTimeoutMs(const QString& name) const {
+    if (const auto* registry = m_app.registry())
+        if (const auto* c = registry->command(name); c && c->clientTimeoutMs > 0)
+            return c->clientTimeoutMs;
+    return ControlClient::kDefaultTimeoutMs;
 }
 
 // For a known command given the wrong arguments: how it is written.
@@ -224,7 +254,7 @@ ControlReply ControlCommands::status() {
         j["statusItem"] = {{"visible", item.isVisible()},
                            {"embedded", !geometry.isEmpty()},
                            {"panel", look.darkPanel ? "dark" : "light"},
-                           {"state", look.state ? "keyboardOff" : "normal"},
+                           {"state", glyphName(look.state)},
                            {"toolTip", item.toolTip()}};
         if (!geometry.isEmpty())
             j["statusItem"]["geometry"] = rectJson(geometry);
@@ -244,6 +274,13 @@ ControlReply ControlCommands::status() {
     j["notices"] = Json::array();
     for (const auto& notice : m_app.notices())
         j["notices"].push_back(windowJson(notice.get()));
+    j["indicators"] = Json::array();
+    if (const auto* registry = m_app.registry())
+        for (const StatusIndicator& indicator : registry->activeIndicators())
+            j["indicators"].push_back({{"id", indicator.id},
+                                       {"title", indicator.title},
+                                       {"glyph", glyphName(indicator.glyph)},
+                                       {"notice", indicator.notice}});
     if (const auto* registry = m_app.registry())
         for (const auto& [key, section] : registry->statusSections())
             j[key.toStdString()] = section();

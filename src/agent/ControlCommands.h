@@ -22,6 +22,11 @@ public:
 
     // The help text: the agent's commands, then the modules' (when a registry is given), aligned.
     static QString usage(const ModuleRegistry* registry = nullptr);
+    // Whether the agent answers NAME itself, not a module: the command line knows those without it.
+    static bool isAgentCommand(const QString& name);
+    // How long the command line waits for the answer to NAME: what its module declares, else the
+    // client's default.
+    int clientTimeoutMs(const QString& name) const;
 
 private:
     static QString usageOf(const QStringList& args);

@@ -23,6 +23,9 @@ struct ModuleCommand {
     // it answers through reply, once, on the main thread, without holding the main thread meanwhile.
     std::function<void(const QStringList& arguments, std::function<void(ControlReply)> reply)> runLater =
         nullptr;
+    // How long the command line waits for the answer; 0 for the client's default. A command that may
+    // wait for the user (an administrator prompt) declares minutes.
+    int clientTimeoutMs = 0;
 };
 
 // A subsystem of the agent. It owns its models and registers everything it offers in one place,

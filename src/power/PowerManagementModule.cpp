@@ -12,6 +12,8 @@ namespace velmora {
 namespace {
 
 constexpr auto kUsage = "power takes status, on [--persistent] or off";
+// The command line waits this long for on and off, which may wait for the administrator prompt.
+constexpr int kCommandWaitMs = 180'000;
 // Quitting waits this long at most for the administrator prompt that gives sleep back.
 constexpr int kTearDownWaitMs = 120'000;
 
@@ -36,7 +38,8 @@ void PowerManagementModule::registerWith(ModuleRegistry& registry) {
                          1, 2, nullptr,
                          [this](const QStringList& arguments, std::function<void(ControlReply)> reply) {
                              command(arguments, std::move(reply));
-                         }});
+                         },
+                         kCommandWaitMs});
     registry.addStatus("powerManagement", [this] { return status(); });
 }
 

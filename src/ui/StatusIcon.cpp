@@ -49,15 +49,42 @@ void drawKeyboardOff(QPainter& p, double s, const QColor& colour) {
     p.drawLine(from, to);
 }
 
+// A cup with rising steam: the computer is kept awake. The steam is the coloured mark.
+void drawSleepPrevented(QPainter& p, double s, const QColor& colour) {
+    p.setPen(QPen(colour, s * 0.08, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setBrush(Qt::NoBrush);
+    QPainterPath cup;
+    cup.moveTo(s * 0.14, s * 0.44);
+    cup.lineTo(s * 0.14, s * 0.66);
+    cup.quadTo(s * 0.14, s * 0.86, s * 0.34, s * 0.86);
+    cup.lineTo(s * 0.48, s * 0.86);
+    cup.quadTo(s * 0.68, s * 0.86, s * 0.68, s * 0.66);
+    cup.lineTo(s * 0.68, s * 0.44);
+    cup.closeSubpath();
+    p.drawPath(cup);
+    p.drawArc(QRectF(s * 0.58, s * 0.5, s * 0.26, s * 0.22), -90 * 16, 180 * 16);
+    p.drawLine(QPointF(s * 0.1, s * 0.95), QPointF(s * 0.74, s * 0.95));
+    p.setPen(QPen(QColor(0xf5, 0xa6, 0x23), s * 0.08, Qt::SolidLine, Qt::RoundCap));
+    for (double x : {0.3, 0.52}) {
+        QPainterPath steam;
+        steam.moveTo(s * x, s * 0.34);
+        steam.cubicTo(s * (x - 0.08), s * 0.26, s * (x + 0.08), s * 0.18, s * x, s * 0.08);
+        p.drawPath(steam);
+    }
+}
+
 QPixmap drawIcon(const StatusIconLook& look, int size) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter p(&pixmap);
     p.setRenderHint(QPainter::Antialiasing);
-    if (look.state == StatusGlyph::keyboardOff)
-        drawKeyboardOff(p, size, glyphColour(look.darkPanel));
+    const QColor colour = glyphColour(look.darkPanel);
+    if (!look.state)
+        drawMark(p, size, colour);
+    else if (*look.state == StatusGlyph::keyboardOff)
+        drawKeyboardOff(p, size, colour);
     else
-        drawMark(p, size, glyphColour(look.darkPanel));
+        drawSleepPrevented(p, size, colour);
     return pixmap;
 }
 

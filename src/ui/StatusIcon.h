@@ -9,8 +9,8 @@
 namespace velmora {
 
 // The tray icon: a monochrome symbolic glyph, light on a dark panel and dark on a light one, as
-// desktop trays draw their icons. While a state the user must see lasts (the keyboard is off), the
-// glyph becomes that state's own with a coloured mark.
+// desktop trays draw their icons. While a state the user must see lasts (the keyboard is off, sleep is
+// prevented), the glyph becomes that state's own with a coloured mark.
 struct StatusIconLook {
     bool darkPanel = true;
     std::optional<StatusGlyph> state;

@@ -81,6 +81,8 @@ public:
     void setSleepTarget(const QString& state) { write("state", state.toUtf8() + "\n"); }
     // The administrator prompt's answer: 0 granted, 126 cancelled.
     void answerPromptsWith(int exitCode) { write("answer", QByteArray::number(exitCode) + "\n"); }
+    // The administrator prompt's answer comes this many seconds late, as a user types a password.
+    void answerPromptsAfter(int seconds) { write("delay", QByteArray::number(seconds) + "\n"); }
 
 private:
     QString startBus(const QString& address, const QString& configName) {
@@ -128,6 +130,7 @@ esac
                                    .toUtf8());
         write("bin/pkexec", QString(R"(#!/bin/sh
 echo "pkexec $*" >> %1/commands.log
+delay=$(cat %1/delay 2>/dev/null || echo 0); sleep "$delay"
 code=$(cat %1/answer 2>/dev/null || echo 0)
 [ "$code" = 0 ] || { echo "Error executing command as another user: Request dismissed" >&2; exit "$code"; }
 exec "$@"
@@ -272,6 +275,38 @@ TEST_F(Power, StartUpFindsSleepDisabledAndShowsThePersistentModeOn) {
     EXPECT_EQ(status["initialized"], true);
     EXPECT_FALSE(services->commands().join('\n').contains("pkexec")); // found as it is, not changed
     // Turned off, sleep comes back.
+    ASSERT_TRUE(agent.json({"power", "off"}));
+    EXPECT_EQ(services->sleepTarget(), "static");
+}
+
+// Sleep kept away shows in the tray, named in the status, without a notice on the screen.
+TEST_F(Power, WhileSleepIsPreventedTheTrayShowsIt) {
+    start();
+    EXPECT_EQ(agent.status()["statusItem"]["state"], "normal");
+    ASSERT_TRUE(agent.json({"power", "on"}));
+    Json status = agent.status();
+    EXPECT_EQ(status["statusItem"]["state"], "sleepPrevented");
+    EXPECT_EQ(status["statusItem"]["toolTip"], "Velmora: Prevent Sleep is on");
+    EXPECT_EQ(status["indicators"].dump(),
+              R"([{"id":"preventSleep","title":"Prevent Sleep is on","glyph":"sleepPrevented",)"
+              R"("notice":false}])");
+    EXPECT_EQ(status["notices"], Json::array());
+
+    ASSERT_TRUE(agent.json({"power", "off"}));
+    status = agent.status();
+    EXPECT_EQ(status["statusItem"]["state"], "normal");
+    EXPECT_EQ(status["indicators"], Json::array());
+}
+
+// A password typed slowly (longer than the command line's usual wait) still gets its answer there.
+TEST_F(Power, TheCommandLineWaitsForASlowAdministratorPrompt) {
+    start();
+    services->answerPromptsAfter(7);
+    const auto on = agent.command({"power", "on", "--persistent"});
+    EXPECT_EQ(on.exitCode, 0) << on.err.toStdString();
+    EXPECT_TRUE(on.out.contains("\"preventSleep\": true")) << on.out.toStdString();
+    EXPECT_EQ(services->sleepTarget(), "masked");
+    services->answerPromptsAfter(0);
     ASSERT_TRUE(agent.json({"power", "off"}));
     EXPECT_EQ(services->sleepTarget(), "static");
 }

@@ -30,6 +30,14 @@ void PowerManagementScreens::registerWith(ModuleRegistry& registry) {
         QObject::connect(model, &PowerManagementModel::changed, toggle, refresh);
         refresh();
     });
+    registry.addIndicator({"preventSleep", "Prevent Sleep is on",
+                           "The computer stays awake until sleep is allowed again.", "Allow Sleep",
+                           [model] { model->setPreventSleep(false); }, StatusGlyph::sleepPrevented, false});
+    auto followModel = [model, &registry] {
+        registry.setIndicatorActive("preventSleep", model->preventSleep());
+    };
+    QObject::connect(model, &PowerManagementModel::changed, &registry, followModel);
+    followModel();
     registry.addPreferencePage(PowerPreferencesPage::kTitle,
                                [model] { return new PowerPreferencesPage(*model); });
 }

@@ -7,7 +7,8 @@ namespace velmora {
 
 class PowerManagementModule;
 
-// Prevent Sleep mode on the screen: a switch in the drop-down panel and the Power preference page.
+// Prevent Sleep mode on the screen: a switch in the drop-down panel, the Power preference page, and
+// the tray icon while sleep is prevented (its menu offers "Allow Sleep").
 class PowerManagementScreens final : public Module {
 public:
     PowerManagementScreens(AppContext& context, PowerManagementModule& power);

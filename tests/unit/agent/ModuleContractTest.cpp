@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QPushButton>
 #include <gtest/gtest.h>
 
@@ -143,6 +144,26 @@ TEST(ModuleContract, AnIndicatorShowsOnTheTrayAndEveryScreenUntilItsButtonEndsIt
     EXPECT_FALSE(agent.app.menubarPopover()->look().state);
     const auto status = agent.commands.handle({"status"});
     EXPECT_FALSE(status.result["keyboardCleaning"].get<bool>());
+}
+
+// Two states at once: the tray shows the first added (the keyboard is off) and names both; only the
+// one that wants a notice has it; ending it leaves the other showing.
+TEST(ModuleContract, IndicatorsWithoutANoticeShareTheTrayWithOnesThatHaveOne) {
+    FakeAgent agent;
+    agent.commands.handle({"power", "on"}, [](ControlReply) {});
+    ASSERT_TRUE(agent.commands.handle({"keyboard-cleaning", "on"}).ok);
+    EXPECT_EQ(agent.app.registry()->activeIndicators().size(), 2u);
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::keyboardOff);
+    auto& tray = agent.app.menubarPopover()->mainStatusItem()->statusItem();
+    EXPECT_EQ(tray.toolTip(), "Velmora: Keyboard cleaning is on; Prevent Sleep is on");
+    ASSERT_EQ(agent.app.notices().size(), std::size_t(QGuiApplication::screens().size()));
+    EXPECT_EQ(agent.app.notices().front()->endButton()->text(), "End Keyboard Cleaning");
+    EXPECT_EQ(tray.contextMenu()->actions().front()->text(), "Allow Sleep");
+
+    agent.app.notices().front()->endButton()->click();
+    EXPECT_TRUE(agent.app.notices().empty());
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::sleepPrevented);
+    EXPECT_EQ(tray.toolTip(), "Velmora: Prevent Sleep is on");
 }
 
 // An action with nothing to act on says so, in the log and on the screen.

@@ -1,5 +1,6 @@
 #include "power/PowerManagementModule.h"
 #include "../agent/FakeAgent.h"
+#include "agent/ControlClient.h"
 
 #include <gtest/gtest.h>
 
@@ -74,4 +75,18 @@ TEST(PowerManagementModule, QuittingReleasesTheInhibitor) {
     powered.agent.app.applicationWillTerminate();
     EXPECT_FALSE(powered.fake().sleepInhibitor->held);
     EXPECT_TRUE(powered.fake().sleepSettings->changes.isEmpty());
+}
+
+// Turning the persistent mode on or off may wait for an administrator; the command line is told to
+// wait minutes for power, and the usual few seconds for everything else.
+TEST(PowerManagementModule, TheCommandLineWaitsLongForPowerOnly) {
+    PoweredAgent powered;
+    EXPECT_EQ(powered.ask({"timeout", "power"}).result, 180'000);
+    EXPECT_EQ(powered.ask({"timeout", "status"}).result, ControlClient::kDefaultTimeoutMs);
+    EXPECT_EQ(powered.ask({"timeout", "keyboard-cleaning"}).result, ControlClient::kDefaultTimeoutMs);
+    EXPECT_EQ(powered.ask({"timeout", "nonsense"}).result, ControlClient::kDefaultTimeoutMs);
+    EXPECT_FALSE(powered.ask({"timeout"}).ok);
+    EXPECT_TRUE(ControlCommands::isAgentCommand("status"));
+    EXPECT_TRUE(ControlCommands::isAgentCommand("prefs"));
+    EXPECT_FALSE(ControlCommands::isAgentCommand("power"));
 }

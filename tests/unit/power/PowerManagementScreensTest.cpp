@@ -1,10 +1,12 @@
 #include "../agent/FakeAgent.h"
 #include "agent/MenubarPopover.h"
+#include "app/ModuleRegistry.h"
 #include "power/PowerManagementModule.h"
 #include "ui/power/PowerPreferencesPage.h"
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QMenu>
 #include <QRadioButton>
 #include <gtest/gtest.h>
 
@@ -21,7 +23,72 @@ QAbstractButton* panelSwitch(FakeAgent& agent) {
     return nullptr;
 }
 
+QMenu* trayMenu(FakeAgent& agent) {
+    return agent.app.menubarPopover()->mainStatusItem()->statusItem().contextMenu();
+}
+
+QStringList titles(QMenu* menu) {
+    QStringList texts;
+    for (QAction* action : menu->actions())
+        texts << (action->isSeparator() ? "-" : action->text());
+    return texts;
+}
+
 } // namespace
+
+// Sleep kept away is worth knowing, not worth a card on the screen: the tray icon shows a cup, its
+// tooltip says so, and its menu offers to allow sleep again.
+TEST(PowerManagementScreens, WhileSleepIsPreventedTheTrayShowsItAndItsMenuAllowsSleep) {
+    FakeAgent agent;
+    const QStringList usualMenu = titles(trayMenu(agent));
+    agent.commands.handle({"power", "on"}, [](ControlReply) {});
+    const auto active = agent.app.registry()->activeIndicators();
+    ASSERT_EQ(active.size(), 1u);
+    EXPECT_EQ(active[0].id, "preventSleep");
+    EXPECT_EQ(active[0].endTitle, "Allow Sleep");
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::sleepPrevented);
+    EXPECT_TRUE(agent.app.notices().empty());
+    const Json status = agent.commands.handle({"status"}).result;
+    EXPECT_EQ(status["statusItem"]["state"], "sleepPrevented");
+    EXPECT_EQ(status["statusItem"]["toolTip"], "Velmora: Prevent Sleep is on");
+    EXPECT_EQ(status["indicators"].dump(),
+              R"([{"id":"preventSleep","title":"Prevent Sleep is on","glyph":"sleepPrevented",)"
+              R"("notice":false}])");
+    EXPECT_EQ(titles(trayMenu(agent)), QStringList({"Allow Sleep", "-"}) + usualMenu);
+
+    trayMenu(agent)->actions().front()->trigger();
+    EXPECT_FALSE(agent.fake.sleepInhibitor->held);
+    EXPECT_TRUE(agent.app.registry()->activeIndicators().empty());
+    EXPECT_FALSE(agent.app.menubarPopover()->look().state);
+    EXPECT_EQ(agent.app.menubarPopover()->mainStatusItem()->statusItem().toolTip(), "Velmora");
+    EXPECT_EQ(titles(trayMenu(agent)), usualMenu);
+}
+
+// The indicator follows what the system really does, however it changes: the panel's switch, a
+// refusal, a cancelled prompt.
+TEST(PowerManagementScreens, TheIndicatorFollowsTheModel) {
+    FakeAgent agent;
+    QAbstractButton* toggle = panelSwitch(agent);
+    ASSERT_TRUE(toggle);
+    toggle->click();
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::sleepPrevented);
+    toggle->click();
+    EXPECT_FALSE(agent.app.menubarPopover()->look().state);
+
+    agent.fake.sleepInhibitor->refusal = "no login manager";
+    toggle->click();
+    EXPECT_TRUE(agent.app.registry()->activeIndicators().empty());
+
+    agent.fake.sleepInhibitor->refusal.clear();
+    agent.commands.handle({"power", "on", "--persistent"}, [](ControlReply) {});
+    ASSERT_TRUE(agent.fake.sleepSettings->disabled);
+    EXPECT_EQ(agent.app.registry()->activeIndicators().size(), 1u);
+    // Allowing sleep asks the administrator; cancelled, sleep stays prevented and the tray says so.
+    agent.fake.sleepSettings->refusal = "the administrator prompt was cancelled";
+    agent.app.registry()->activeIndicators().front().end();
+    EXPECT_TRUE(agent.fake.sleepSettings->disabled);
+    EXPECT_EQ(agent.app.menubarPopover()->look().state, StatusGlyph::sleepPrevented);
+}
 
 TEST(PowerManagementScreens, ThePanelSwitchTurnsPreventionOnAndFollowsTheModel) {
     FakeAgent agent;
