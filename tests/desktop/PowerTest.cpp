@@ -47,8 +47,7 @@ public:
         auto fake = std::make_unique<QProcess>();
         fake->setProcessEnvironment(env);
         fake->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        fake->start("/usr/bin/python3",
-                    QStringList{QFileInfo(__FILE__).dir().filePath("fake-login1.py")} + args);
+        fake->start("/usr/bin/python3", QStringList{FAKE_LOGIN1} + args);
         m_processes.push_back(std::move(fake));
         m_ready = waitUntil([this] { return log().contains("ready"); });
     }
