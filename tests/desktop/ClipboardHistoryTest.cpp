@@ -160,7 +160,7 @@ TEST(ClipboardHistoryStore, AnAgentKilledInABurstOfCopiesLeavesAStoreThatOpensWh
                   0);
         TestWindow burst(desktop, "Burst", {"--copy-burst", "1000", "--burst-gap-ms", "1"});
         ASSERT_TRUE(waitUntil(
-            [&] { return history(agent, 1).size() == 1 && history(agent, 300).size() >= 200; }, 20000));
+            [&] { return history(agent, 1).size() == 1 && history(agent, 300).size() >= 200; }, 45000));
         kill(pid_t(agent.process()->processId()), SIGKILL);
         agent.process()->waitForFinished();
     }
