@@ -9,8 +9,8 @@
 #include "platform/KeyboardLayout.h"
 #include "platform/Screens.h"
 #include "platform/Workspace.h"
+#include "ui/PanelBindings.h"
 #include "ui/PanelPlacement.h"
-#include "ui/ShortcutRenderer.h"
 #include "ui/clipboard/ClipboardHistoryListModel.h"
 #include "ui/clipboard/ClipboardHistoryRowDelegate.h"
 #include "ui/clipboard/QuickLookHelper.h"
@@ -36,8 +36,8 @@ constexpr double kHeightShare = 0.65;
 using A = KeyboardAppAction;
 
 // The panel's bindings, in the order their hints are shown.
-const std::vector<std::pair<A, const char*>>& panelBindings() {
-    static const std::vector<std::pair<A, const char*>> bindings = {
+const PanelBindings& panelBindings() {
+    static const PanelBindings bindings = {
         {A::clipboardSelect, "paste"},      {A::clipboardPastePlainText, "paste as plain text"},
         {A::clipboardQuickLook, "preview"}, {A::clipboardShowInFinder, "show file"},
         {A::clipboardOpenURL, "open link"}, {A::clipboardDelete, "delete"},
@@ -45,16 +45,6 @@ const std::vector<std::pair<A, const char*>>& panelBindings() {
         {A::clipboardPrevious, nullptr},    {A::clipboardNext, nullptr},
     };
     return bindings;
-}
-
-KeyboardShortcut chordOf(const KeyEvent& key) {
-    KeyboardShortcut chord;
-    chord.command = key.has(ModifierMask::Command);
-    chord.control = key.has(ModifierMask::Control);
-    chord.alt = key.has(ModifierMask::Option);
-    chord.shift = key.has(ModifierMask::Shift);
-    chord.keyCode = key.keyCode;
-    return chord;
 }
 
 // Keys that mean nothing to a text field, so they act on the list even while the user types a search.
@@ -217,15 +207,7 @@ QWidget* ClipboardHistoryWindow::buildContent() {
 }
 
 QString ClipboardHistoryWindow::hintsText() const {
-    const auto& bindings = m_preferences.keyboardBindings.value();
-    QStringList parts;
-    for (const auto& [binding, what] : panelBindings()) {
-        const auto& shortcut = bindings.shortcut(binding);
-        if (!what || !shortcut || shortcut->disabled)
-            continue;
-        parts << QString("<b>%1</b>&nbsp;%2").arg(shortcutText(*shortcut, m_layout).toHtmlEscaped(), what);
-    }
-    return parts.join(QStringLiteral(" &nbsp; "));
+    return panelHintsText(panelBindings(), m_preferences.keyboardBindings.value(), m_layout);
 }
 
 void ClipboardHistoryWindow::searchChanged(const QString& text) {

@@ -6,8 +6,8 @@
 #include "core/MainThread.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/Workspace.h"
+#include "ui/PanelBindings.h"
 #include "ui/PanelPlacement.h"
-#include "ui/ShortcutRenderer.h"
 #include "ui/windowmanager/WindowRowDelegate.h"
 #include "windowmanager/AutoLayout.h"
 #include "windowmanager/WindowManagerModel.h"
@@ -34,8 +34,8 @@ constexpr double kPreferredWidth = 520;
 constexpr int kMostRowsShown = 8;
 
 // The panel's bindings, in the order their hints are shown.
-const std::vector<std::pair<A, const char*>>& panelBindings() {
-    static const std::vector<std::pair<A, const char*>> bindings = {
+const PanelBindings& panelBindings() {
+    static const PanelBindings bindings = {
         {A::autoLayoutChooseCandidate, "place here"},
         {A::autoLayoutExpandTabs, "show tabs"},
         {A::autoLayoutCollapseTabs, "hide tabs"},
@@ -43,16 +43,6 @@ const std::vector<std::pair<A, const char*>>& panelBindings() {
         {A::autoLayoutNext, nullptr},
     };
     return bindings;
-}
-
-KeyboardShortcut chordOf(const KeyEvent& key) {
-    KeyboardShortcut chord;
-    chord.command = key.has(ModifierMask::Command);
-    chord.control = key.has(ModifierMask::Control);
-    chord.alt = key.has(ModifierMask::Option);
-    chord.shift = key.has(ModifierMask::Shift);
-    chord.keyCode = key.keyCode;
-    return chord;
 }
 
 bool contains(const QString& text, const QString& filter) {
@@ -327,16 +317,8 @@ QWidget* AutoLayoutPanel::buildContent() {
 }
 
 QString AutoLayoutPanel::hintsText() const {
-    const auto& bindings = m_preferences.keyboardBindings.value();
-    QStringList parts;
-    for (const auto& [binding, what] : panelBindings()) {
-        const auto& shortcut = bindings.shortcut(binding);
-        if (!what || !shortcut || shortcut->disabled)
-            continue;
-        parts << QString("<b>%1</b>&nbsp;%2").arg(shortcutText(*shortcut, m_layout).toHtmlEscaped(), what);
-    }
-    parts << "<b>Esc</b>&nbsp;close";
-    return parts.join(QStringLiteral(" &nbsp; "));
+    return panelHintsText(panelBindings(), m_preferences.keyboardBindings.value(), m_layout) +
+           " &nbsp; <b>Esc</b>&nbsp;close";
 }
 
 std::optional<KeyboardAppAction> AutoLayoutPanel::bindingFor(const KeyEvent& key) const {
