@@ -2,6 +2,7 @@
 
 #include "platform/AccessibleElements.h"
 
+#include <condition_variable>
 #include <map>
 #include <mutex>
 
@@ -25,7 +26,18 @@ public:
         return true;
     }
 
+    // Sets or ends the hang, waking a query that waits.
+    void hang(bool on) {
+        {
+            std::lock_guard lock(mutex);
+            hanging = on;
+        }
+        answered.notify_all();
+    }
+
     std::mutex mutex;
+    std::condition_variable answered;
+    bool hanging = false;
     std::map<std::pair<quint32, QString>, std::vector<AccessibleElement>> elements; // (window, role)
     std::vector<QString> queries; // the roles asked, in turn
     std::vector<AccessibleElement> pressed;

@@ -118,3 +118,20 @@ TEST(AutoLayoutPanel, NothingToProposeClosesThePanelWithoutAMessage) {
     d.panel.propose();
     EXPECT_FALSE(d.panel.isOpen());
 }
+
+TEST(AutoLayoutPanel, AProgramWhoseTabsNeverComeLeavesThePanelWorking) {
+    Desk d;
+    d.fake.accessibleElements->hang(true);
+    d.panel.propose();
+    ASSERT_TRUE(d.panel.isOpen());
+    EXPECT_EQ(d.rows(), (QStringList{"Browser", "Files"}));
+    QTest::keyClicks(d.search(), "fil");
+    EXPECT_EQ(d.rows(), (QStringList{"Files"}));
+    QTest::keyClick(d.search(), Qt::Key_Return);
+    EXPECT_EQ(d.fake.desktop.find(2)->frame, (Rect{720, 25, 720, 875}));
+    EXPECT_FALSE(d.panel.isOpen());
+    d.fake.accessibleElements->hang(false); // the late answers find the panel closed
+    for (int i = 0; i < 20; ++i)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    EXPECT_TRUE(d.panel.knownTabs().empty());
+}
