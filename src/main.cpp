@@ -12,6 +12,7 @@
 #include "platform/linux/LinuxFileThumbnails.h"
 #include "platform/linux/LinuxSystemProbes.h"
 #include "platform/linux/LoginManagerInhibitor.h"
+#include "platform/linux/NetworkUpdateChannel.h"
 #include "platform/linux/ProcessCommands.h"
 #include "platform/linux/ScreenSaverInhibitor.h"
 #include "platform/linux/SettingsDefaults.h"
@@ -36,6 +37,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QIcon>
+#include <QStandardPaths>
 #include <cstdio>
 #include <malloc.h>
 #include <xcb/xcb.h>
@@ -147,6 +149,9 @@ std::optional<Platform> makeX11Platform() {
         std::make_unique<LoginManagerInhibitor>(),
         std::make_unique<ScreenSaverInhibitor>(std::move(xScreenSaver)));
     platform.sleepSettings = std::make_unique<SystemdSleepSettings>(*platform.commands);
+    platform.updateChannel = std::make_unique<NetworkUpdateChannel>(
+        QCoreApplication::applicationFilePath(),
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Velmora/updater.log");
     return platform;
 }
 

@@ -25,6 +25,7 @@
 #include "ui/monitoring/SystemMonitoringScreens.h"
 #include "ui/power/PowerManagementScreens.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
+#include "updates/UpdatesModule.h"
 #include "windowmanager/WindowManagerModule.h"
 
 #include <QApplication>
@@ -65,6 +66,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     createPreferences();
     createStatusItems();
     createModules();
+    startModule(*module<UpdatesModule>(), "updateCheckTimer");
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
     startModule(*module<DimmingModule>(), "monitorDimming");
@@ -162,6 +164,7 @@ void AppDelegate::createModules() {
     addModule<DimmingScreens>(dimming);
     auto& power = addModule<PowerManagementModule>();
     addModule<PowerManagementScreens>(power);
+    addModule<UpdatesModule>(m_environment.value(kUpdateServerVariable));
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);

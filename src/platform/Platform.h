@@ -15,6 +15,7 @@
 #include "platform/SleepInhibitor.h"
 #include "platform/SleepSettings.h"
 #include "platform/SystemProbes.h"
+#include "platform/UpdateChannel.h"
 #include "platform/WindowServer.h"
 #include "platform/Workspace.h"
 
@@ -46,6 +47,8 @@ struct Platform {
     // Keeping the computer awake: while the agent runs, and system-wide. Absent where neither exists.
     std::unique_ptr<SleepInhibitor> sleepInhibitor;
     std::unique_ptr<SleepSettings> sleepSettings;
+    // The update server and the updater; absent where this build cannot update itself.
+    std::unique_ptr<UpdateChannel> updateChannel;
 };
 
 } // namespace velmora

@@ -16,6 +16,7 @@
 #include "platform/fake/FakeSleepInhibitor.h"
 #include "platform/fake/FakeSleepSettings.h"
 #include "platform/fake/FakeSystemProbes.h"
+#include "platform/fake/FakeUpdateChannel.h"
 #include "platform/fake/FakeWorkspace.h"
 
 namespace velmora {
@@ -38,6 +39,7 @@ struct FakePlatform {
     std::shared_ptr<FakeAccessibleElements> accessibleElements = std::make_shared<FakeAccessibleElements>();
     FakeSleepInhibitor* sleepInhibitor;
     FakeSleepSettings* sleepSettings;
+    FakeUpdateChannel* updateChannel;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -84,6 +86,9 @@ struct FakePlatform {
         auto ss = std::make_unique<FakeSleepSettings>();
         sleepSettings = ss.get();
         platform.sleepSettings = std::move(ss);
+        auto uc = std::make_unique<FakeUpdateChannel>();
+        updateChannel = uc.get();
+        platform.updateChannel = std::move(uc);
     }
 };
 

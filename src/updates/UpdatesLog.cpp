@@ -1,0 +1,3 @@
+#include "updates/UpdatesLog.h"
+
+Q_LOGGING_CATEGORY(lcUpdates, "velmora.updates", QtInfoMsg)
