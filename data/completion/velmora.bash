@@ -34,7 +34,8 @@ _velmora() {
     COMPREPLY=()
 
     if ((cword == 1)); then
-        words="status help prefs logs panel preferences action windows keyboard-cleaning quit --version --help"
+        words="status help prefs logs panel preferences action windows keyboard-cleaning clipboard monitor dimming
+               power update quit --version --help"
     elif ((cword == 2)); then
         case $command in
         prefs) words="list get set" ;;
@@ -42,10 +43,19 @@ _velmora() {
         panel) words="show hide toggle" ;;
         action) words=$(_velmora_action_names "$program") ;;
         keyboard-cleaning) words="on off" ;;
+        clipboard) words="list search get copy paste delete clear" ;;
+        monitor) words="snapshot top kill" ;;
+        dimming) words="status set toggle" ;;
+        power) words="status on off" ;;
+        update) words="check status" ;;
         esac
     elif ((cword == 3)); then
         case $command/$sub in
         prefs/get | prefs/set) words=$(_velmora_preference_keys "$program") ;;
+        power/on) words="--persistent" ;;
+        update/check) words="--install" ;;
+        monitor/top) words="--by --limit" ;;
+        monitor/kill) words="--force" ;;
         logs/export)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$cur")
