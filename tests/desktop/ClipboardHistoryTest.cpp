@@ -150,6 +150,9 @@ TEST(ClipboardHistoryStore, AnAgentKilledInABurstOfCopiesLeavesAStoreThatOpensWh
     VirtualDesktop desktop;
     ASSERT_TRUE(desktop.isReady());
     skipWelcome(desktop);
+    // How many copies the agent keeps apart in a burst depends on how busy the machine is; the kill
+    // comes once it has stored a good number, while the burst goes on.
+    std::size_t stored = 0;
     {
         AgentUnderTest agent(desktop);
         ASSERT_TRUE(agent.start());
@@ -159,15 +162,14 @@ TEST(ClipboardHistoryStore, AnAgentKilledInABurstOfCopiesLeavesAStoreThatOpensWh
                       .exitCode,
                   0);
         TestWindow burst(desktop, "Burst", {"--copy-burst", "1000", "--burst-gap-ms", "1"});
-        ASSERT_TRUE(waitUntil(
-            [&] { return history(agent, 1).size() == 1 && history(agent, 300).size() >= 200; }, 45000));
+        ASSERT_TRUE(waitUntil([&] { return (stored = history(agent, 300).size()) >= 50; }, 45000));
         kill(pid_t(agent.process()->processId()), SIGKILL);
         agent.process()->waitForFinished();
     }
     AgentUnderTest again(desktop);
     ASSERT_TRUE(again.start());
     const Json entries = history(again, 2000);
-    ASSERT_GE(entries.size(), 200u);
+    ASSERT_GE(entries.size(), stored) << "entries stored before the kill are gone";
     // Every entry's text file is there; asking each of a spread of them is enough to show it.
     for (std::size_t i = 0; i < entries.size(); i += entries.size() / 10) {
         const auto text = again.command({"clipboard", "get", idOf(entries[i])});
