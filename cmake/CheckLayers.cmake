@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.25)
 # Fails when a source file includes a folder of a higher layer. The layers, lowest first:
-#   core, platform, app, subsystems (windowmanager, clipboard, monitoring, dimming, power, updates; not
+#   core, platform, app, subsystems (windowmanager, clipboard, monitoring, dimming, power, updates, sync; not
 #   each other), ui, agent.
 # Backends (platform/x11, platform/linux, platform/fake) see only core, the platform interfaces and
 # themselves. Run as: cmake -DSOURCE_DIR=<src> -DSTAMP=<file> -P CheckLayers.cmake
@@ -13,9 +13,10 @@ set(rank_monitoring 3)
 set(rank_dimming 3)
 set(rank_power 3)
 set(rank_updates 3)
+set(rank_sync 3)
 set(rank_ui 4)
 set(rank_agent 5)
-set(subsystems windowmanager clipboard monitoring dimming power updates)
+set(subsystems windowmanager clipboard monitoring dimming power updates sync)
 
 file(GLOB_RECURSE files RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*.h" "${SOURCE_DIR}/*.cpp")
 set(violations "")

@@ -9,6 +9,7 @@
 #include "platform/linux/AtspiElements.h"
 #include "platform/linux/DesktopEntries.h"
 #include "platform/linux/FreedesktopOpener.h"
+#include "platform/linux/KeychainSecretStore.h"
 #include "platform/linux/LinuxFileThumbnails.h"
 #include "platform/linux/LinuxSystemProbes.h"
 #include "platform/linux/LoginManagerInhibitor.h"
@@ -19,6 +20,7 @@
 #include "platform/linux/SleepAndScreenInhibitor.h"
 #include "platform/linux/SystemdSleepSettings.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/WebDavCloudDatabase.h"
 #include "platform/linux/XdgAutostart.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Clipboard.h"
@@ -66,6 +68,20 @@ int runClient(int argc, char** argv) {
         QFile in;
         in.open(stdin, QIODevice::ReadOnly);
         args[3] = QString::fromUtf8(in.readAll());
+    }
+    // The sync password is never an argument (other users can read those): it comes on standard input.
+    if (args.value(0) == "sync" && args.value(1) == "setup") {
+        if (args.contains("--password")) {
+            std::fputs("velmora: the app password is read from standard input, not from the arguments.\n",
+                       stderr);
+            return 2;
+        }
+        const auto password = ControlClient::readSecret("App password: ");
+        if (!password) {
+            std::fputs("velmora: no app password on standard input; nothing was set up.\n", stderr);
+            return 1;
+        }
+        args << "--password" << *password;
     }
     return ControlClient::run(args);
 }
@@ -152,6 +168,8 @@ std::optional<Platform> makeX11Platform() {
     platform.updateChannel = std::make_unique<NetworkUpdateChannel>(
         QCoreApplication::applicationFilePath(),
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Velmora/updater.log");
+    platform.cloudDatabase = std::make_unique<WebDavCloudDatabase>();
+    platform.secretStore = std::make_unique<KeychainSecretStore>();
     return platform;
 }
 

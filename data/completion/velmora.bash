@@ -35,7 +35,7 @@ _velmora() {
 
     if ((cword == 1)); then
         words="status help prefs logs panel preferences action windows keyboard-cleaning clipboard monitor dimming
-               power update quit --version --help"
+               power update sync quit --version --help"
     elif ((cword == 2)); then
         case $command in
         prefs) words="list get set" ;;
@@ -48,6 +48,7 @@ _velmora() {
         dimming) words="status set toggle" ;;
         power) words="status on off" ;;
         update) words="check status" ;;
+        sync) words="setup status now off" ;;
         esac
     elif ((cword == 3)); then
         case $command/$sub in
@@ -62,6 +63,8 @@ _velmora() {
             return 0
             ;;
         esac
+    elif ((cword == 4)) && [[ $command/$sub == sync/setup ]]; then
+        words="--user"
     elif ((cword == 4)) && [[ $command/$sub == prefs/set ]]; then
         case ${COMP_WORDS[3]} in
         LaunchOnStart | DeveloperLogsEnabled | WindowManagerEnabled | ClipboardHistoryEnabled) words="true false" ;;

@@ -10,6 +10,7 @@
 #include "dimming/DimmingModule.h"
 #include "monitoring/SystemMonitoringModule.h"
 #include "power/PowerManagementModule.h"
+#include "sync/SyncModule.h"
 #include "ui/BriefMessage.h"
 #include "ui/DeveloperPreferencesPage.h"
 #include "ui/DropDownPanelView.h"
@@ -24,6 +25,7 @@
 #include "ui/monitoring/MenubarSystemMonitoringView.h"
 #include "ui/monitoring/SystemMonitoringScreens.h"
 #include "ui/power/PowerManagementScreens.h"
+#include "ui/sync/SyncPreferencesSection.h"
 #include "ui/windowmanager/WindowManagerScreens.h"
 #include "updates/UpdatesModule.h"
 #include "windowmanager/WindowManagerModule.h"
@@ -66,6 +68,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     createPreferences();
     createStatusItems();
     createModules();
+    startModule(*module<SyncModule>(), "cloudMirroring");
     startModule(*module<UpdatesModule>(), "updateCheckTimer");
     startPermissionPoll();
     startModule(*module<WindowManagerModule>(), "windowCache");
@@ -165,6 +168,8 @@ void AppDelegate::createModules() {
     auto& power = addModule<PowerManagementModule>();
     addModule<PowerManagementScreens>(power);
     addModule<UpdatesModule>(m_environment.value(kUpdateServerVariable));
+    addModule<SyncModule>(m_environment.value(SyncAccountStore::kPasswordVariable),
+                          m_environment.value("VELMORA_SYNC_CHECK_SECONDS", "60").toInt());
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);
@@ -332,8 +337,9 @@ void AppDelegate::openPreferences(const QString& page) {
         return;
     if (!m_preferencesWindow) {
         m_preferencesWindow = new PreferencesWindow();
-        m_preferencesWindow->addPage("General",
-                                     new GeneralPreferencesPage(*m_preferences, *m_platform.loginItem));
+        m_preferencesWindow->addPage(
+            "General", new GeneralPreferencesPage(*m_preferences, *m_platform.loginItem,
+                                                  new SyncPreferencesSection(*module<SyncModule>())));
         for (const auto& [title, page] : m_registry->preferencePages())
             m_preferencesWindow->addPage(title, page());
         m_preferencesWindow->addPage(

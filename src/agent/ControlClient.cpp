@@ -1,5 +1,10 @@
 #include "agent/ControlClient.h"
 
+#include <cstdio>
+#include <iostream>
+#include <termios.h>
+#include <unistd.h>
+
 #include "agent/ControlCommands.h"
 #include "agent/ControlServer.h"
 
@@ -64,6 +69,28 @@ int ControlClient::run(const QStringList& args) {
     }
     std::puts(answer->result.dump(2).c_str());
     return 0;
+}
+
+std::optional<QString> ControlClient::readSecret(const char* prompt) {
+    const bool terminal = isatty(STDIN_FILENO);
+    termios saved{};
+    if (terminal && tcgetattr(STDIN_FILENO, &saved) == 0) {
+        std::fputs(prompt, stderr);
+        termios quiet = saved;
+        quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
+    }
+    std::string line;
+    const bool read = static_cast<bool>(std::getline(std::cin, line));
+    if (terminal) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &saved);
+        std::fputs("\n", stderr);
+    }
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    if (!read || line.empty())
+        return std::nullopt;
+    return QString::fromStdString(line);
 }
 
 } // namespace velmora

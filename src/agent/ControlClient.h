@@ -26,6 +26,10 @@ public:
     // module's command is waited for as long as the agent says it may take (an administrator prompt).
     static int run(const QStringList& args);
 
+    // One line from standard input, not echoed when it is a terminal (prompt shown there); none when
+    // there is no line or it is empty.
+    static std::optional<QString> readSecret(const char* prompt);
+
 private:
     static int timeoutFor(const QString& command);
 };

@@ -3,6 +3,7 @@
 #include "app/LoggingManager.h"
 #include "core/JsonCodec.h"
 #include "core/MainThread.h"
+#include "platform/CloudDatabase.h"
 #include "platform/Defaults.h"
 
 #include <QDateTime>
@@ -36,13 +37,30 @@ public:
     // Decodes and checks first; on success assigns the whole value (stored at once), else leaves it
     // untouched. *error says why in plain words.
     virtual bool assignData(const QByteArray& data, QString* error) = 0;
+    // Whether data decodes to the value in force (however it is spaced or ordered).
+    virtual bool holds(const QByteArray& data) const = 0;
 
     // Reads the local form written by an earlier run (or another process).
     void loadLocalValue();
 
+    // One synchronisation with the cloud's record (its log entries name it perfomSync()): the newer
+    // side wins, the value stays in force on any failure. A call while one runs is folded into it:
+    // the running one goes round once more. done(true) once the value and the cloud agree.
+    void performSync(CloudDatabase& database, std::function<void(bool)> done = {});
+    bool isSyncing() const { return m_sync.running; }
+    QString lastSyncError() const { return m_sync.lastError; }
+    // The cloud's version of the record when this machine last agreed with it; empty when it never
+    // did with the account in use (a machine that has never synchronised adopts the cloud's values).
+    QString cloudTag() const;
+    // For a new account: what was agreed with the previous one says nothing about it.
+    void forgetCloudTag();
+
 signals:
     // Also sent when a change could not be stored, so that every view shows the value still in force.
     void valueChanged();
+    // The value was changed here (not taken from the cloud) and stored: the cloud should hear of it.
+    void changedLocally();
+    void statusChanged();
     // A change was refused because the settings cannot be written; reason in plain words.
     void writeFailed(const QString& reason);
 
@@ -52,16 +70,43 @@ protected:
     bool storeLocally(QString* error);
 
     QString modificationDateKey() const { return m_key + ".modificationDate"; }
+    QString cloudTagKey() const { return m_key + ".cloudTag"; }
+    // Each successful local change counts, so that a sync can tell that the value moved under it.
+    void countLocalChange();
 
     Defaults& m_defaults;
     LoggingManager& m_log;
 
 private:
+    static constexpr int kMaxConflicts = 7;
+
+    struct SyncRun {
+        bool running = false;
+        bool again = false;
+        CloudDatabase* database = nullptr;
+        int conflicts = 0;
+        quint64 changesAtFetch = 0;
+        QString lastError;
+        std::vector<std::function<void(bool)>> waiting;
+    };
+
+    bool writeLocalForm(const QByteArray& bytes, double date);
+    void setStatus(Status status);
+    void fetchForSync(CloudDatabase& database);
+    void decide(CloudDatabase& database, const CloudFetchResult& fetched);
+    void push(CloudDatabase& database, const QString& expectedTag);
+    bool adopt(const CloudRecord& record, double clockOffset, QString* error);
+    bool localIsLater(const CloudRecord& record, double clockOffset) const;
+    void rememberCloudTag(const QString& tag);
+    void finishSync(bool ok, const QString& error = {});
+
     QString m_key;
     bool m_isOptional;
     Status m_status = Status::ok;
     std::optional<double> m_modificationDate;
     bool m_writing = false;
+    quint64 m_localChanges = 0;
+    SyncRun m_sync;
 };
 
 // One synchronised preference value, read and written whole.
@@ -88,6 +133,8 @@ public:
         if (!stored)
             m_value = std::move(previous);
         emit valueChanged();
+        if (stored)
+            countLocalChange();
         return stored;
     }
     // What a value from outside (the command line) must satisfy beyond decoding.
@@ -105,6 +152,11 @@ public:
                 return false;
             }
         return setValue(std::move(*decoded), error);
+    }
+
+    bool holds(const QByteArray& data) const override {
+        const auto decoded = m_fromData(data, nullptr);
+        return decoded && *decoded == m_value;
     }
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "platform/Accessibility.h"
 #include "platform/AccessibleElements.h"
+#include "platform/CloudDatabase.h"
 #include "platform/Commands.h"
 #include "platform/Defaults.h"
 #include "platform/DesktopOpener.h"
@@ -12,6 +13,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/Permission.h"
 #include "platform/Screens.h"
+#include "platform/SecretStore.h"
 #include "platform/SleepInhibitor.h"
 #include "platform/SleepSettings.h"
 #include "platform/SystemProbes.h"
@@ -49,6 +51,10 @@ struct Platform {
     std::unique_ptr<SleepSettings> sleepSettings;
     // The update server and the updater; absent where this build cannot update itself.
     std::unique_ptr<UpdateChannel> updateChannel;
+    // Where the synchronised preferences are mirrored, and where its password is kept; absent where
+    // this build has neither (the secret store alone may be missing: a session without one).
+    std::unique_ptr<CloudDatabase> cloudDatabase;
+    std::unique_ptr<SecretStore> secretStore;
 };
 
 } // namespace velmora

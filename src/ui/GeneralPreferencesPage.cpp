@@ -41,7 +41,7 @@ QWidget* aboutSection() {
 } // namespace
 
 GeneralPreferencesPage::GeneralPreferencesPage(UserPreferences& preferences, LoginItem& loginItem,
-                                               QWidget* parent)
+                                               QWidget* syncSection, QWidget* parent)
     : QWidget(parent), m_preferences(preferences), m_loginItem(loginItem) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(new QLabel("<h3>General</h3>"));
@@ -57,6 +57,11 @@ GeneralPreferencesPage::GeneralPreferencesPage(UserPreferences& preferences, Log
     m_launchProblem->setPalette(warning);
     m_launchProblem->hide();
     layout->addWidget(m_launchProblem);
+
+    if (syncSection) {
+        layout->addSpacing(18);
+        layout->addWidget(syncSection);
+    }
 
     layout->addSpacing(18);
     layout->addWidget(new QLabel("<h3>About</h3>"));

@@ -13,7 +13,9 @@ class UserPreferences;
 class GeneralPreferencesPage : public QWidget {
     Q_OBJECT
 public:
-    GeneralPreferencesPage(UserPreferences& preferences, LoginItem& loginItem, QWidget* parent = nullptr);
+    // syncSection: shown between the switches and About when this build synchronises settings.
+    GeneralPreferencesPage(UserPreferences& preferences, LoginItem& loginItem, QWidget* syncSection = nullptr,
+                           QWidget* parent = nullptr);
 
 protected:
     // The autostart entry can change behind our back (the session's own settings, a file manager).

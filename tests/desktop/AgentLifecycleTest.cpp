@@ -50,7 +50,7 @@ TEST(AgentLifecycle, StartsWithEmbeddedTrayIconAndAnswersStatus) {
     EXPECT_EQ(
         status["startup"],
         AgentUnderTest::Json::parse(
-            R"(["clipboardStore","preferences","statusItems","updateCheckTimer","permissionPoll","windowCache","monitorDimming","clipboardWatcher","welcome","systemMonitoring","powerManagement"])"));
+            R"(["clipboardStore","preferences","statusItems","cloudMirroring","updateCheckTimer","permissionPoll","windowCache","monitorDimming","clipboardWatcher","welcome","systemMonitoring","powerManagement"])"));
     EXPECT_FALSE(status["monitoringItem"]["visible"].get<bool>());
 }
 

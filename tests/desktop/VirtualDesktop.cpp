@@ -118,7 +118,31 @@ QProcessEnvironment VirtualDesktop::environment() const {
     env.remove("DBUS_SESSION_BUS_ADDRESS");
     if (!m_sessionBus.isEmpty())
         env.insert("DBUS_SESSION_BUS_ADDRESS", m_sessionBus);
+    for (auto it = m_variables.begin(); it != m_variables.end(); ++it)
+        env.insert(it.key(), it.value());
     return env;
+}
+
+bool VirtualDesktop::startKeyring() {
+    if (m_sessionBus.isEmpty() && !startSessionBus())
+        return false;
+    auto p = std::make_unique<QProcess>();
+    auto env = environment();
+    env.insert("HOME", m_home.path()); // its keyring files, not the user's
+    p->setProcessEnvironment(env);
+    p->start("gnome-keyring-daemon", {"--foreground", "--unlock", "--components=secrets"});
+    if (!p->waitForStarted(5000))
+        return false;
+    p->write("login-keyring-password"); // read to the end: it unlocks (and creates) the login keyring
+    p->closeWriteChannel();
+    m_processes.push_back(std::move(p));
+    // Ready once the secret service has its name on the bus.
+    return waitUntil([this] {
+        return run("dbus-send",
+                   {"--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
+                    "org.freedesktop.DBus.NameHasOwner", "string:org.freedesktop.secrets"})
+            .out.contains("boolean true");
+    });
 }
 
 bool VirtualDesktop::startSessionBus() {
@@ -131,11 +155,15 @@ bool VirtualDesktop::startSessionBus() {
     return !m_sessionBus.isEmpty();
 }
 
-VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QStringList& args,
-                                           int timeoutMs) const {
+VirtualDesktop::Output VirtualDesktop::run(const QString& program, const QStringList& args, int timeoutMs,
+                                           const std::optional<QByteArray>& input) const {
     QProcess p;
     p.setProcessEnvironment(environment());
     p.start(program, args);
+    if (input) {
+        p.write(*input);
+        p.closeWriteChannel();
+    }
     if (!p.waitForFinished(timeoutMs)) {
         p.kill();
         p.waitForFinished(1000);

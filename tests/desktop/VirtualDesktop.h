@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QMap>
 #include <QProcess>
 #include <QRect>
 #include <QString>
 #include <QTemporaryDir>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 // A private X11 desktop for one test: Xvfb on a free display, Openbox with no key bindings of its
@@ -49,8 +51,15 @@ public:
         QString out;
         QString err;
     };
-    // Runs a program on this desktop and waits for it (xdotool, xprop, the agent's command line).
-    Output run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    // Runs a program on this desktop and waits for it (xdotool, xprop, the agent's command line);
+    // input, when given, is its standard input.
+    Output run(const QString& program, const QStringList& args, int timeoutMs = 10000,
+               const std::optional<QByteArray>& input = std::nullopt) const;
+    // A variable every program started here from now on has in its environment.
+    void setVariable(const QString& name, const QString& value) { m_variables.insert(name, value); }
+    // Starts a secret store (GNOME Keyring's secret service, its login keyring unlocked) on this
+    // desktop's session bus, with its files in the desktop's home; false when it did not come up.
+    bool startKeyring();
     // Starts a compositing manager (xcompmgr); it runs until the desktop ends or it is stopped.
     QProcess* startCompositor();
     // Starts a D-Bus session bus of this desktop's own; from then on the programs started here use it
@@ -75,6 +84,7 @@ private:
     QTemporaryDir m_home;
     QString m_display;
     QString m_sessionBus;
+    QMap<QString, QString> m_variables;
     std::vector<std::unique_ptr<QProcess>> m_processes;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/Platform.h"
 #include "platform/fake/FakeAccessibleElements.h"
+#include "platform/fake/FakeCloudDatabase.h"
 #include "platform/fake/FakeCommands.h"
 #include "platform/fake/FakeDefaults.h"
 #include "platform/fake/FakeDesktop.h"
@@ -13,6 +14,7 @@
 #include "platform/fake/FakePasteboard.h"
 #include "platform/fake/FakePermission.h"
 #include "platform/fake/FakeScreens.h"
+#include "platform/fake/FakeSecretStore.h"
 #include "platform/fake/FakeSleepInhibitor.h"
 #include "platform/fake/FakeSleepSettings.h"
 #include "platform/fake/FakeSystemProbes.h"
@@ -40,6 +42,8 @@ struct FakePlatform {
     FakeSleepInhibitor* sleepInhibitor;
     FakeSleepSettings* sleepSettings;
     FakeUpdateChannel* updateChannel;
+    FakeCloudDatabase* cloudDatabase;
+    FakeSecretStore* secretStore;
 
     FakePlatform() {
         auto d = std::make_unique<FakeDefaults>();
@@ -89,6 +93,12 @@ struct FakePlatform {
         auto uc = std::make_unique<FakeUpdateChannel>();
         updateChannel = uc.get();
         platform.updateChannel = std::move(uc);
+        auto cd = std::make_unique<FakeCloudDatabase>();
+        cloudDatabase = cd.get();
+        platform.cloudDatabase = std::move(cd);
+        auto st = std::make_unique<FakeSecretStore>();
+        secretStore = st.get();
+        platform.secretStore = std::move(st);
     }
 };
 

@@ -98,9 +98,9 @@ TEST(AppDelegate, StartsInItsFixedOrder) {
     AppDelegate app(fake.platform, QProcessEnvironment());
     app.applicationDidFinishLaunching();
     EXPECT_EQ(app.startupSteps(),
-              QStringList({"clipboardStore", "preferences", "statusItems", "updateCheckTimer",
-                           "permissionPoll", "windowCache", "monitorDimming", "clipboardWatcher", "welcome",
-                           "systemMonitoring", "powerManagement"}));
+              QStringList({"clipboardStore", "preferences", "statusItems", "cloudMirroring",
+                           "updateCheckTimer", "permissionPoll", "windowCache", "monitorDimming",
+                           "clipboardWatcher", "welcome", "systemMonitoring", "powerManagement"}));
     ASSERT_TRUE(app.menubarPopover());
     EXPECT_EQ(app.menubarPopover()->mainStatusItem()->autosaveName(), "Velmora");
     EXPECT_EQ(app.menubarPopover()->systemMonitoringItem()->autosaveName(), "Velmora:SystemMonitoring");

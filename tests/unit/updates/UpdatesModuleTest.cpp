@@ -33,10 +33,10 @@ struct UpdatingAgent {
 
 } // namespace
 
-TEST(UpdatesModule, StartsItsTenMinuteTimerRightAfterTheStatusItems) {
+TEST(UpdatesModule, StartsItsTenMinuteTimerRightAfterTheCloudMirroring) {
     UpdatingAgent agent;
     const QStringList steps = agent.app.startupSteps();
-    EXPECT_EQ(steps.indexOf("updateCheckTimer"), steps.indexOf("statusItems") + 1);
+    EXPECT_EQ(steps.indexOf("updateCheckTimer"), steps.indexOf("cloudMirroring") + 1);
     EXPECT_TRUE(agent.module().timer().isActive());
     EXPECT_EQ(agent.module().timer().interval(), 600'000);
     EXPECT_TRUE(agent.server().requests.empty()) << "the first check waits for the first tick";
