@@ -134,6 +134,7 @@ bool VirtualDesktop::startKeyring() {
     if (!p->waitForStarted(5000))
         return false;
     p->write("login-keyring-password"); // read to the end: it unlocks (and creates) the login keyring
+    p->waitForBytesWritten(2000);       // no event loop here writes it for us
     p->closeWriteChannel();
     m_processes.push_back(std::move(p));
     // Ready once the secret service has its name on the bus.

@@ -71,7 +71,7 @@ QUrl WebDavCloudDatabase::recordUrl(const QUrl& address, const QString& key) {
 
 void WebDavCloudDatabase::send(const CloudAccount& account, const QByteArray& verb, const QUrl& url,
                                const Headers& headers, const QByteArray& body,
-                               std::function<void(Answer)> done) {
+                               std::function<void(Answer)> done, bool retried) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(kMaxRedirects);
@@ -89,24 +89,31 @@ void WebDavCloudDatabase::send(const CloudAccount& account, const QByteArray& ve
         reply->abort();
     });
     deadline->start(m_timeoutMs);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, timedOut, verb, done = std::move(done)] {
-        reply->deleteLater();
-        Answer answer;
-        const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        answer.status = *timedOut || !status.isValid() ? 0 : status.toInt();
-        answer.body = reply->readAll();
-        answer.tag = firmTag(QString::fromUtf8(reply->rawHeader("ETag")));
-        answer.lastModified = parseHttpDate(QString::fromLatin1(reply->rawHeader("Last-Modified")));
-        noteServerClock(reply->rawHeader("Date"));
-        if (answer.status == 401 || answer.status == 403)
-            answer.error = refusedText(answer.status);
-        else if (!succeeded(answer.status))
-            answer.error = httpFailureText(*reply, *timedOut, m_timeoutMs, kMaxRedirects);
-        if (!answer.error.isEmpty())
-            qCDebug(lcLinux).noquote() << "WebDAV" << verb << reply->url().toString(QUrl::RemoveUserInfo)
-                                       << "failed:" << answer.error;
-        done(std::move(answer));
-    });
+    connect(reply, &QNetworkReply::finished, this,
+            [this, reply, timedOut, account, verb, url, headers, body, retried, done = std::move(done)] {
+                reply->deleteLater();
+                // A kept-alive connection the server closed meanwhile: the toolkit resends only its own
+                // verbs. Every request here may be sent twice (a repeated conditional save answers 412).
+                if (!retried && !*timedOut && reply->error() == QNetworkReply::RemoteHostClosedError &&
+                    !reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
+                    return send(account, verb, url, headers, body, done, true);
+                Answer answer;
+                const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+                answer.status = *timedOut || !status.isValid() ? 0 : status.toInt();
+                answer.body = reply->readAll();
+                answer.tag = firmTag(QString::fromUtf8(reply->rawHeader("ETag")));
+                answer.lastModified = parseHttpDate(QString::fromLatin1(reply->rawHeader("Last-Modified")));
+                noteServerClock(reply->rawHeader("Date"));
+                if (answer.status == 401 || answer.status == 403)
+                    answer.error = refusedText(answer.status);
+                else if (!succeeded(answer.status))
+                    answer.error = httpFailureText(*reply, *timedOut, m_timeoutMs, kMaxRedirects);
+                if (!answer.error.isEmpty())
+                    qCDebug(lcLinux).noquote()
+                        << "WebDAV" << verb << reply->url().toString(QUrl::RemoveUserInfo)
+                        << "failed:" << answer.error;
+                done(std::move(answer));
+            });
 }
 
 // The server's clock decides which change is newer; a machine whose clock is off by minutes must not
