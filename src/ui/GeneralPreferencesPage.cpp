@@ -58,6 +58,21 @@ GeneralPreferencesPage::GeneralPreferencesPage(UserPreferences& preferences, Log
     m_launchProblem->hide();
     layout->addWidget(m_launchProblem);
 
+    auto* autoUpdate = new QCheckBox("Check for updates automatically");
+    autoUpdate->setObjectName("autoUpdate");
+    autoUpdate->setChecked(m_preferences.basic.value().autoUpdate);
+    connect(autoUpdate, &QCheckBox::toggled, this, [this](bool on) {
+        BasicPreferences record = m_preferences.basic.value();
+        record.autoUpdate = on;
+        m_preferences.basic.setValue(record);
+    });
+    // The record may change elsewhere (another machine through sync, the command line).
+    connect(&m_preferences.basic, &CKValueObservableBase::valueChanged, autoUpdate, [this, autoUpdate] {
+        const QSignalBlocker quiet(autoUpdate);
+        autoUpdate->setChecked(m_preferences.basic.value().autoUpdate);
+    });
+    layout->addWidget(autoUpdate);
+
     if (syncSection) {
         layout->addSpacing(18);
         layout->addWidget(syncSection);

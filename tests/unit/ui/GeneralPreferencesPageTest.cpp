@@ -87,3 +87,17 @@ TEST(GeneralPreferencesPage, ARefusedChangeSpringsBackAndSaysWhyUntilARequestSuc
     EXPECT_TRUE(s.prefs.local.launchOnStart());
     EXPECT_TRUE(s.problem()->text().startsWith("Launch at login could not be turned off"));
 }
+
+TEST(GeneralPreferencesPage, TheUpdateSwitchFollowsTheRecordWhereverItChanges) {
+    PageSetup p;
+    p.open();
+    auto* box = p.page->findChild<QCheckBox*>("autoUpdate");
+    ASSERT_TRUE(box);
+    EXPECT_TRUE(box->isChecked());
+    box->setChecked(false);
+    EXPECT_FALSE(p.prefs.basic.value().autoUpdate);
+    BasicPreferences record;
+    record.autoUpdate = true;
+    p.prefs.basic.setValue(record); // from elsewhere: sync, the command line
+    EXPECT_TRUE(box->isChecked());
+}
