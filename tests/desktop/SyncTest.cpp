@@ -54,6 +54,16 @@ struct Machine {
     }
 };
 
+// Two machines set up with one server.
+struct TwoMachines {
+    DavServer server{kUser, kPassword};
+    Machine first, second;
+    bool ready() {
+        return server.isReady() && first.start() && second.start() && first.setUp(server).exitCode == 0 &&
+               second.setUp(server).exitCode == 0;
+    }
+};
+
 bool isOk(const Json& status) {
     return status.value("status", std::string()) == "ok";
 }
@@ -96,12 +106,10 @@ TEST(Sync, AZoneRenamedOnOneMachineAppearsOnTheOther) {
 }
 
 TEST(Sync, EditsMadeAtTheSameTimeEndTheSameOnBothMachines) {
-    DavServer server(kUser, kPassword);
-    ASSERT_TRUE(server.isReady());
-    Machine first, second;
-    ASSERT_TRUE(first.start() && second.start());
-    ASSERT_EQ(first.setUp(server).exitCode, 0);
-    ASSERT_EQ(second.setUp(server).exitCode, 0);
+    TwoMachines both;
+    ASSERT_TRUE(both.ready());
+    DavServer& server = both.server;
+    Machine &first = both.first, &second = both.second;
 
     for (int round = 0; round < 3; ++round) {
         Json a = first.windowManager(), b = second.windowManager();
@@ -125,12 +133,10 @@ TEST(Sync, EditsMadeAtTheSameTimeEndTheSameOnBothMachines) {
 }
 
 TEST(Sync, AServerThatStopsIsReportedAndTheChangeArrivesOnceItIsBack) {
-    DavServer server(kUser, kPassword);
-    ASSERT_TRUE(server.isReady());
-    Machine first, second;
-    ASSERT_TRUE(first.start() && second.start());
-    ASSERT_EQ(first.setUp(server).exitCode, 0);
-    ASSERT_EQ(second.setUp(server).exitCode, 0);
+    TwoMachines both;
+    ASSERT_TRUE(both.ready());
+    DavServer& server = both.server;
+    Machine &first = both.first, &second = both.second;
 
     server.stop();
     ASSERT_TRUE(first.renameFirstZone("Made while the server was away"));

@@ -1,5 +1,6 @@
 #include "platform/linux/NetworkUpdateChannel.h"
 
+#include "platform/linux/HttpFailure.h"
 #include "platform/linux/LinuxLog.h"
 
 #include <QCoreApplication>
@@ -20,28 +21,9 @@ struct Exchange {
 };
 
 QString failure(const QNetworkReply& reply, const Exchange& exchange, const UpdateRequest& request) {
-    if (exchange.timedOut)
-        return QString("the server did not answer within %1 s").arg(request.timeoutMs / 1000.0);
     if (exchange.tooLarge)
         return QString("the answer is larger than %1 bytes").arg(request.maxBytes);
-    // The last redirect's status is what a redirect error leaves behind: the error says more.
-    switch (reply.error()) {
-    case QNetworkReply::TooManyRedirectsError:
-        return QString("more than %1 redirects (a redirect loop?)").arg(request.maxRedirects);
-    case QNetworkReply::InsecureRedirectError:
-        return "the server redirected from https to plain http";
-    case QNetworkReply::SslHandshakeFailedError:
-        return "the secure connection failed: " + reply.errorString();
-    default:
-        break;
-    }
-    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (status.isValid() && status.toInt() != 200)
-        return QString("the server answered %1 %2")
-            .arg(status.toInt())
-            .arg(reply.attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString())
-            .trimmed();
-    return reply.errorString();
+    return httpFailureText(reply, exchange.timedOut, request.timeoutMs, request.maxRedirects);
 }
 
 } // namespace

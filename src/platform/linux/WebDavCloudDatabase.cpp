@@ -100,7 +100,8 @@ void WebDavCloudDatabase::send(const CloudAccount& account, const QByteArray& ve
                 Answer answer;
                 const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
                 answer.status = *timedOut || !status.isValid() ? 0 : status.toInt();
-                answer.body = reply->readAll();
+                if (reply->isOpen())
+                    answer.body = reply->readAll();
                 answer.tag = firmTag(QString::fromUtf8(reply->rawHeader("ETag")));
                 answer.lastModified = parseHttpDate(QString::fromLatin1(reply->rawHeader("Last-Modified")));
                 noteServerClock(reply->rawHeader("Date"));

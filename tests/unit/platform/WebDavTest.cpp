@@ -2,6 +2,9 @@
 #include "platform/linux/WebDavListing.h"
 #include "platform/linux/WebDavRecordBody.h"
 
+#include <QEventLoop>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <gtest/gtest.h>
 
 using namespace velmora;
@@ -85,4 +88,62 @@ TEST(WebDavCloudDatabase, RecordsLiveInTheVelmoraFolderOfTheUsersFolder) {
               QUrl("http://127.0.0.1:8080/dav/Velmora/"));
     EXPECT_EQ(parseHttpDate("Tue, 24 Nov 2026 01:02:03 GMT"), 1795482123.0);
     EXPECT_FALSE(parseHttpDate("yesterday"));
+}
+
+namespace {
+
+// A server on 127.0.0.1 that reads each request and answers 401, or nothing at all when silent.
+class RefusingServer : public QObject {
+public:
+    explicit RefusingServer(bool silent) {
+        m_server.listen(QHostAddress::LocalHost);
+        connect(&m_server, &QTcpServer::newConnection, this, [this, silent] {
+            while (QTcpSocket* socket = m_server.nextPendingConnection())
+                connect(socket, &QTcpSocket::readyRead, socket, [socket, silent] {
+                    socket->readAll();
+                    if (!silent)
+                        socket->write("HTTP/1.1 401 Unauthorized\r\nContent-Length: 0\r\n\r\n");
+                });
+        });
+    }
+    quint16 port() const { return m_server.serverPort(); }
+
+private:
+    QTcpServer m_server;
+};
+
+CloudFetchResult fetchFrom(const QString& address, int timeoutMs = 5000) {
+    WebDavCloudDatabase database(timeoutMs);
+    database.setAccount(CloudAccount{QUrl(address), "ann", "secret"});
+    std::optional<CloudFetchResult> result;
+    QEventLoop loop;
+    database.fetch("BasicPreferences", [&](CloudFetchResult r) {
+        result = std::move(r);
+        loop.quit();
+    });
+    if (!result)
+        loop.exec();
+    return *result;
+}
+
+} // namespace
+
+TEST(WebDavCloudDatabase, EveryFailureSaysWhatWentWrongInPlainWords) {
+    RefusingServer refusing(false), silent(true);
+    EXPECT_EQ(fetchFrom(QString("http://127.0.0.1:%1/dav/").arg(refusing.port())).error,
+              "the server refused the user name or app password");
+    EXPECT_EQ(fetchFrom(QString("http://127.0.0.1:%1/dav/").arg(silent.port()), 300).error,
+              "the server did not answer within 0.3 s");
+    EXPECT_TRUE(fetchFrom(QString("https://127.0.0.1:%1/dav/").arg(refusing.port()), 3000)
+                    .error.startsWith("the secure connection failed"));
+    QTcpServer closed;
+    closed.listen(QHostAddress::LocalHost);
+    const quint16 port = closed.serverPort();
+    closed.close();
+    EXPECT_EQ(fetchFrom(QString("http://127.0.0.1:%1/dav/").arg(port)).error,
+              QString("nothing answers at 127.0.0.1:%1 (connection refused)").arg(port));
+    WebDavCloudDatabase database;
+    std::optional<QString> error;
+    database.fetch("K", [&](CloudFetchResult r) { error = r.error; });
+    EXPECT_EQ(error, "sync is not set up") << "nothing is sent without an account";
 }
