@@ -73,9 +73,9 @@ void CKValueObservableBase::countLocalChange() {
     emit changedLocally();
 }
 
-// Synchronisation. The spec of the rule is "the later side wins"; a few cases are decided before the
-// dates are compared, because the dates alone cannot tell them apart:
-// - the same bytes on both sides: nothing to do but remember the cloud's version;
+// Synchronisation. The rule is "the later side wins"; a few cases are decided before the dates are
+// compared, because the dates alone cannot tell them apart:
+// - the same value on both sides: nothing to do but remember the cloud's version;
 // - the cloud's record unchanged since this machine last agreed with it: only this side moved, so it
 //   is pushed even when both changes fall within the server's one-second resolution;
 // - this machine never agreed with the account's records: it adopts them, whatever its dates.
