@@ -79,7 +79,7 @@ TEST(Sync, AZoneRenamedOnOneMachineAppearsOnTheOther) {
     const auto setUp = first.setUp(server);
     ASSERT_EQ(setUp.exitCode, 0) << setUp.err.toStdString();
     const Json status = Json::parse(setUp.out.toStdString());
-    EXPECT_EQ(status["error"], nullptr) << status.dump();
+    EXPECT_EQ(status["error"], nullptr) << status.dump() << server.errorLog().toStdString();
     EXPECT_NE(status["lastSyncTime"], nullptr);
     EXPECT_EQ(status["warning"], nullptr) << "the keyring keeps the password";
     EXPECT_FALSE(QString::fromUtf8(server.file("WindowManagerPreferences")).isEmpty());

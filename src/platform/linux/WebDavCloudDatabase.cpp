@@ -16,6 +16,9 @@ namespace velmora {
 namespace {
 
 constexpr int kMaxRedirects = 5;
+// The toolkit keeps up to six connections to a host; after a quiet spell the server may have closed
+// every one of them, and each stale connection is only found out by using it.
+constexpr int kMaxResends = 6;
 constexpr auto kNoAccount = "sync is not set up";
 
 const QByteArray kListingRequest = R"(<?xml version="1.0" encoding="utf-8"?>
@@ -71,7 +74,7 @@ QUrl WebDavCloudDatabase::recordUrl(const QUrl& address, const QString& key) {
 
 void WebDavCloudDatabase::send(const CloudAccount& account, const QByteArray& verb, const QUrl& url,
                                const Headers& headers, const QByteArray& body,
-                               std::function<void(Answer)> done, bool retried) {
+                               std::function<void(Answer)> done, int resent) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(kMaxRedirects);
@@ -90,13 +93,14 @@ void WebDavCloudDatabase::send(const CloudAccount& account, const QByteArray& ve
     });
     deadline->start(m_timeoutMs);
     connect(reply, &QNetworkReply::finished, this,
-            [this, reply, timedOut, account, verb, url, headers, body, retried, done = std::move(done)] {
+            [this, reply, timedOut, account, verb, url, headers, body, resent, done = std::move(done)] {
                 reply->deleteLater();
                 // A kept-alive connection the server closed meanwhile: the toolkit resends only its own
                 // verbs. Every request here may be sent twice (a repeated conditional save answers 412).
-                if (!retried && !*timedOut && reply->error() == QNetworkReply::RemoteHostClosedError &&
+                if (resent < kMaxResends && !*timedOut &&
+                    reply->error() == QNetworkReply::RemoteHostClosedError &&
                     !reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
-                    return send(account, verb, url, headers, body, done, true);
+                    return send(account, verb, url, headers, body, done, resent + 1);
                 Answer answer;
                 const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
                 answer.status = *timedOut || !status.isValid() ? 0 : status.toInt();

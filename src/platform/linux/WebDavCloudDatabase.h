@@ -41,7 +41,7 @@ private:
     using Headers = QList<QPair<QByteArray, QByteArray>>;
 
     void send(const CloudAccount& account, const QByteArray& verb, const QUrl& url, const Headers& headers,
-              const QByteArray& body, std::function<void(Answer)> done, bool retried = false);
+              const QByteArray& body, std::function<void(Answer)> done, int resent = 0);
     void makeFolder(const CloudAccount& account, std::function<void(QString)> done);
     void put(const CloudAccount& account, const CloudRecord& record, const QString& expectedTag,
              bool mayMakeFolder, std::function<void(CloudSaveResult)> done);
