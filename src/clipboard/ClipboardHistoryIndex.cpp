@@ -26,6 +26,8 @@ constexpr std::size_t kNextUnitBuckets = 256;
 // Deleted hits are left in place until there are this many and a quarter as many as live ones.
 constexpr std::size_t kFewestDeletedToCompact = 64;
 
+constexpr auto kKeptNarrow = SearchableCharacters::Storage::NarrowWherePossible;
+
 void prefetch(const void* address) {
     __builtin_prefetch(address);
 }
@@ -51,6 +53,30 @@ std::uint64_t unitsFrom(const char16_t* units, int length, int at) {
     for (int slot = 0; slot < count; ++slot)
         following |= static_cast<std::uint64_t>(units[at + slot]) << (16 * slot);
     return following;
+}
+
+// The same from a text kept one byte per character: each byte widened to its unit.
+std::uint64_t unitsFrom(const char* bytes, int length, int at) {
+    const int count = std::min(kFollowingUnits, length - at);
+    if constexpr (std::endian::native == std::endian::little) {
+        if (count == kFollowingUnits) {
+            std::uint32_t four = 0;
+            std::memcpy(&four, bytes + at, sizeof four);
+            std::uint64_t spread = four;
+            spread = (spread | (spread << 16)) & 0x0000FFFF0000FFFFull;
+            return (spread | (spread << 8)) & 0x00FF00FF00FF00FFull;
+        }
+    }
+    std::uint64_t following = 0;
+    for (int slot = 0; slot < count; ++slot)
+        following |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at + slot])) << (16 * slot);
+    return following;
+}
+
+// For texts of one unit per character, whichever way they are kept.
+std::uint64_t unitsFrom(const SearchableCharacters& text, int at) {
+    return text.isNarrow() ? unitsFrom(text.latin1(), text.size(), at)
+                           : unitsFrom(text.utf16(), text.size(), at);
 }
 
 char16_t unitAt(std::uint64_t following, int slot) {
@@ -81,15 +107,43 @@ struct FurtherCharacters {
 // A text as the scanning and narrowing loops read it.
 struct Text {
     const ClipboardIndexEntry& entry;
-    const char16_t* units;
     int characters;
     bool oneUnitPerCharacter;
 
     explicit Text(const ClipboardIndexEntry& entry)
-        : entry(entry), units(QStringView(entry.searchableText()).utf16()),
-          characters(entry.searchableCharacters.size()),
+        : entry(entry), characters(entry.searchableCharacters.size()),
           oneUnitPerCharacter(entry.searchableCharacters.isOneUnitPerCharacter()) {}
+
+    std::uint64_t unitsFrom(int at) const { return velmora::unitsFrom(entry.searchableCharacters, at); }
 };
+
+// Calls found(at) for each place of `wanted` in units[0, length), in order.
+template <typename Unit, typename Found>
+void findUnit(const Unit* units, int length, char16_t wanted, Found&& found) {
+    static_assert(sizeof(Unit) == 1 || sizeof(Unit) == 2);
+    if (sizeof(Unit) == 1 && wanted > 0xFF)
+        return;
+    int i = 0;
+#if defined(__SSE2__)
+    // Sixteen bytes at a time: this pass runs over every text of the history on the first character.
+    constexpr int kPerBlock = 16 / sizeof(Unit);
+    const __m128i pattern = sizeof(Unit) == 1 ? _mm_set1_epi8(static_cast<char>(wanted))
+                                              : _mm_set1_epi16(static_cast<short>(wanted));
+    for (; i + kPerBlock <= length; i += kPerBlock) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
+        auto mask = static_cast<unsigned>(_mm_movemask_epi8(
+            sizeof(Unit) == 1 ? _mm_cmpeq_epi8(block, pattern) : _mm_cmpeq_epi16(block, pattern)));
+        if constexpr (sizeof(Unit) == 2)
+            mask &= 0x5555u; // one bit per byte: keep the low byte's bit of each matching unit
+        for (; mask != 0; mask &= mask - 1)
+            found(i + __builtin_ctz(mask) / static_cast<int>(sizeof(Unit)));
+    }
+#endif
+    for (; i < length; ++i) {
+        if (static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(units[i])) == wanted)
+            found(i);
+    }
+}
 
 // Appends where `character` occurs in the text, by one pass over it, each position with the units
 // after it.
@@ -106,27 +160,18 @@ void scanFor(const Text& text, QStringView character, Positions& positions, Foll
     }
     if (character.size() != 1) // a text of single units never holds a longer character
         return;
-    const char16_t wanted = character.front().unicode();
-    const auto found = [&](int at) __attribute__((always_inline)) {
-        positions.push_back(at);
-        following.push_back(unitsFrom(text.units, text.characters, at + 1));
+    const SearchableCharacters& characters = text.entry.searchableCharacters;
+    const auto scan = [&](const auto* units) {
+        findUnit(
+            units, text.characters, character.front().unicode(), [&](int at) __attribute__((always_inline)) {
+                positions.push_back(at);
+                following.push_back(unitsFrom(units, text.characters, at + 1));
+            });
     };
-    int i = 0;
-#if defined(__SSE2__)
-    // Eight units at a time: this pass runs over every text of the history on the first character.
-    const __m128i pattern = _mm_set1_epi16(static_cast<short>(wanted));
-    for (; i + 8 <= text.characters; i += 8) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.units + i));
-        // One bit per byte: keep the low byte's bit of each matching unit.
-        auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(block, pattern))) & 0x5555u;
-        for (; mask != 0; mask &= mask - 1)
-            found(i + __builtin_ctz(mask) / 2);
-    }
-#endif
-    for (; i < text.characters; ++i) {
-        if (text.units[i] == wanted)
-            found(i);
-    }
+    if (characters.isNarrow())
+        scan(characters.latin1());
+    else
+        scan(characters.utf16());
 }
 
 // Whether the further characters follow at character p of a text with characters of several
@@ -141,16 +186,16 @@ inline bool followsByCharacters(const Text& text, const FurtherCharacters& furth
 
 // Whether the further characters follow at position p of a text of `characters` single units,
 // compared with the units kept beside the position (`following`, updated to those the narrowed
-// position keeps). `units()` gives the text, read only when the units kept run out.
-template <typename UnitsOf>
-inline bool followsAt(int characters, UnitsOf&& units, const FurtherCharacters& further, int p,
+// position keeps). `unitsFrom(at)` reads the text, only when the units kept run out.
+template <typename UnitsFrom>
+inline bool followsAt(int characters, UnitsFrom&& unitsFrom, const FurtherCharacters& further, int p,
                       std::uint64_t& following) {
     if (p + further.end > characters) // the text ends before the query does
         return false;
     int followingFromCharacter = followingFrom(further.from);
     for (int k = further.from; k < further.end; ++k) {
         if (k >= followingFromCharacter + kFollowingUnits) {
-            following = unitsFrom(units(), characters, p + k);
+            following = unitsFrom(p + k);
             followingFromCharacter = k;
         }
         if (unitAt(following, k - followingFromCharacter) != further.units[k - further.from])
@@ -253,7 +298,8 @@ ClipboardHistoryIndex ClipboardHistoryIndex::base(std::vector<ItemInfo> itemsNew
     }
     index.m_hits.reserve(kept.size());
     for (auto it = kept.rbegin(); it != kept.rend(); ++it)
-        index.append(Entry{(*it)->id, SearchableCharacters(std::move((*it)->searchableText))}, 0);
+        index.append(Entry{(*it)->id, SearchableCharacters(std::move((*it)->searchableText), kKeptNarrow)},
+                     0);
     return index;
 }
 
@@ -330,11 +376,12 @@ void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
                 m_query.size() == 1 ? m_following : scannedFollowing);
         for (std::size_t j = 0; j < scanned.size(); ++j) {
             std::uint64_t following = scannedFollowing[j];
-            const bool follows = text.oneUnitPerCharacter
-                                     ? further.singleUnits && followsAt(
-                                                                  text.characters, [&] { return text.units; },
-                                                                  further, scanned[j], following)
-                                     : followsByCharacters(text, further, scanned[j]);
+            const bool follows =
+                text.oneUnitPerCharacter
+                    ? further.singleUnits && followsAt(
+                                                 text.characters, [&](int at) { return text.unitsFrom(at); },
+                                                 further, scanned[j], following)
+                    : followsByCharacters(text, further, scanned[j]);
             if (follows) {
                 m_positions.push_back(scanned[j]);
                 m_following.push_back(following);
@@ -436,15 +483,16 @@ void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
         } else {
             if (readsTexts && j + kPrefetchDistance < count)
                 source.prefetchFollowing(j + kPrefetchDistance, further.from);
-            follows =
-                !hit.isDeleted() &&
-                (hit.oneUnitPerCharacter
-                     ? further.singleUnits &&
-                           followsAt(
-                               static_cast<int>(hit.characters),
-                               [&] { return QStringView(source.entryOf(hit).searchableText()).utf16(); },
-                               further, p, following)
-                     : followsByCharacters(Text(source.entryOf(hit)), further, p));
+            follows = !hit.isDeleted() &&
+                      (hit.oneUnitPerCharacter
+                           ? further.singleUnits &&
+                                 followsAt(
+                                     static_cast<int>(hit.characters),
+                                     [&](int at) {
+                                         return unitsFrom(source.entryOf(hit).searchableCharacters, at);
+                                     },
+                                     further, p, following)
+                           : followsByCharacters(Text(source.entryOf(hit)), further, p));
         }
         const bool firstOfHit = follows & (owner != lastOwner);
         keptHits[hits] =
@@ -495,10 +543,12 @@ void ClipboardHistoryIndex::prefetchText(std::size_t hit, bool whole, int offset
     const Hit& ahead = m_hits[hit];
     if (ahead.isDeleted())
         return;
-    const char16_t* units = QStringView(entryOf(ahead).searchableText()).utf16();
+    const SearchableCharacters& text = entryOf(ahead).searchableCharacters;
     if (whole) {
-        for (std::uint32_t at = 0; at < ahead.characters; at += 32) // a cache line holds 32 units
-            prefetch(units + at);
+        const auto* bytes = static_cast<const char*>(text.addressOf(0));
+        const std::size_t size = static_cast<std::size_t>(text.offset(text.size())) * text.bytesPerUnit();
+        for (std::size_t at = 0; at < size; at += 64) // a cache line
+            prefetch(bytes + at);
         return;
     }
     // Only for texts of one unit per character are positions also offsets; those are nearly all.
@@ -506,7 +556,7 @@ void ClipboardHistoryIndex::prefetchText(std::size_t hit, bool whole, int offset
         return;
     const std::uint32_t end = endOfPositions(hit);
     for (std::uint32_t p = ahead.firstPosition; p < end; ++p)
-        prefetch(units + m_positions[p] + offset);
+        prefetch(text.addressOf(m_positions[p] + offset));
 }
 
 void ClipboardHistoryIndex::prefetchFollowing(std::size_t position, int offset) const {
@@ -515,7 +565,7 @@ void ClipboardHistoryIndex::prefetchFollowing(std::size_t position, int offset) 
         return;
     // Two reads in a row miss the cache here: the entry for its text, then the text.
     const Entry& entry = entryOf(ahead);
-    prefetch(QStringView(entry.searchableText()).utf16() + m_positions[position] + offset);
+    prefetch(entry.searchableCharacters.addressOf(m_positions[position] + offset));
 }
 
 std::uint32_t ClipboardHistoryIndex::endOfPositions(std::size_t hit) const {
@@ -566,7 +616,7 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
                                << "is already in the search index; not added again";
         return false;
     }
-    Entry entry{item.id, SearchableCharacters(std::move(item.searchableText))};
+    Entry entry{item.id, SearchableCharacters(std::move(item.searchableText), kKeptNarrow)};
     const auto first = static_cast<std::uint32_t>(m_positions.size());
     if (!m_query.isEmpty()) {
         // Matched before it is stored: an entry this index does not list costs the store nothing.
@@ -576,11 +626,12 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
         scanFor(text, m_query.at(0), scanned, following);
         const FurtherCharacters further(m_query, 1);
         for (std::size_t j = 0; j < scanned.size(); ++j) {
-            const bool follows = text.oneUnitPerCharacter
-                                     ? further.singleUnits && followsAt(
-                                                                  text.characters, [&] { return text.units; },
-                                                                  further, scanned[j], following[j])
-                                     : followsByCharacters(text, further, scanned[j]);
+            const bool follows =
+                text.oneUnitPerCharacter
+                    ? further.singleUnits && followsAt(
+                                                 text.characters, [&](int at) { return text.unitsFrom(at); },
+                                                 further, scanned[j], following[j])
+                    : followsByCharacters(text, further, scanned[j]);
             if (follows) {
                 m_positions.push_back(scanned[j]);
                 m_following.push_back(following[j]);

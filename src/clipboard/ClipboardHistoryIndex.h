@@ -68,7 +68,7 @@ public:
     // by a combining accent, although the strings do: that is one other character.
     bool canBeRefinedTo(const QString& lowerCasedQuery) const;
 
-    const QString& query() const { return m_query.text(); }
+    QString query() const { return m_query.text(); }
     int prefixLength() const { return m_query.size(); }
     std::size_t size() const { return m_live; }
     bool isEmpty() const { return m_live == 0; }

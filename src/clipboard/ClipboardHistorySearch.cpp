@@ -22,7 +22,7 @@ void ClipboardHistorySearch::setText(const QString& text) {
         m_search = m_base.refined(query);
 }
 
-const QString& ClipboardHistorySearch::query() const {
+QString ClipboardHistorySearch::query() const {
     return current().query();
 }
 

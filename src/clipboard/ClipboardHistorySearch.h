@@ -21,7 +21,7 @@ public:
     // The search field's text as typed; empty lists every entry.
     void setText(const QString& text);
     bool isFiltering() const { return m_search.has_value(); }
-    const QString& query() const;
+    QString query() const;
 
     // Without search text every indexed entry matches.
     bool matches(const QUuid& id) const;

@@ -12,7 +12,7 @@ struct ClipboardIndexEntry {
     QUuid id;
     SearchableCharacters searchableCharacters;
 
-    const QString& searchableText() const { return searchableCharacters.text(); }
+    QString searchableText() const { return searchableCharacters.text(); }
 };
 
 } // namespace velmora

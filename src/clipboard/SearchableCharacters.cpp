@@ -4,6 +4,7 @@
 
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
 #include <limits>
 
 namespace velmora {
@@ -97,6 +98,10 @@ std::vector<int> characterStarts(const QString& text) {
     return withFlagsPaired(text, starts);
 }
 
+bool isLatin1(QStringView text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x100; });
+}
+
 } // namespace
 
 bool SearchableCharacters::hasOneUnitPerCharacter(QStringView text) {
@@ -114,7 +119,7 @@ bool SearchableCharacters::hasOneUnitPerCharacter(QStringView text) {
     return true;
 }
 
-SearchableCharacters::SearchableCharacters(QString text) : m_text(std::move(text)) {
+SearchableCharacters::SearchableCharacters(QString text, Storage storage) : m_text(std::move(text)) {
     // Offsets are ints to halve the tables; no clipboard text comes near the limit.
     if (m_text.size() >= std::numeric_limits<int>::max()) {
         qCWarning(lcClipboard) << "Searchable text of" << m_text.size()
@@ -123,6 +128,11 @@ SearchableCharacters::SearchableCharacters(QString text) : m_text(std::move(text
     }
     if (hasOneUnitPerCharacter(m_text)) {
         m_size = static_cast<int>(m_text.size());
+        if (storage == Storage::NarrowWherePossible && isLatin1(m_text)) {
+            m_latin1 = m_text.toLatin1();
+            m_text = QString();
+            m_narrow = true;
+        }
         return;
     }
     auto starts = std::make_shared<std::vector<int>>(characterStarts(m_text));

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -12,35 +15,65 @@ namespace velmora {
 // combining acute is one character and an emoji with skin tone or joiners is one character.
 // Most texts have exactly one UTF-16 unit per character; those keep no table of boundaries, which
 // is what keeps an index over a long history small and quick to build.
+//
+// A text kept for searching (Storage::NarrowWherePossible) whose characters are all Latin-1 is held
+// as one byte per character: half the memory, and half the bytes a scan of the history reads.
 class SearchableCharacters {
 public:
-    SearchableCharacters() = default;
-    explicit SearchableCharacters(QString text);
+    enum class Storage { AsGiven, NarrowWherePossible };
 
-    const QString& text() const { return m_text; }
+    SearchableCharacters() = default;
+    explicit SearchableCharacters(QString text, Storage storage = Storage::AsGiven);
+
+    QString text() const { return m_narrow ? QString::fromLatin1(m_latin1) : m_text; }
     int size() const { return m_size; }
     bool isEmpty() const { return m_size == 0; }
-
     // Where character i begins in text(), in UTF-16 units; offset(size()) is the text's length.
     int offset(int i) const { return m_starts ? (*m_starts)[i] : i; }
-    QStringView at(int i) const { return QStringView(m_text).mid(offset(i), offset(i + 1) - offset(i)); }
+    QStringView at(int i) const {
+        if (m_narrow)
+            return QStringView(&kLatin1Characters[static_cast<unsigned char>(m_latin1[i])], 1);
+        return QStringView(m_text).mid(offset(i), offset(i + 1) - offset(i));
+    }
     bool equalsAt(int i, QStringView character) const {
+        if (m_narrow)
+            return character.size() == 1 &&
+                   character.front().unicode() == static_cast<unsigned char>(m_latin1[i]);
         if (!m_starts)
             return character.size() == 1 && m_text.at(i) == character.front();
         return at(i) == character;
     }
-
     // True when the text keeps no boundary table: every UTF-16 unit is its own character.
     bool isOneUnitPerCharacter() const { return !m_starts; }
     // The quick test behind the above: conservative, so a "false" only costs the full split.
     static bool hasOneUnitPerCharacter(QStringView text);
 
+    // The stored units, for the index's scans: one byte per character when narrow, else UTF-16.
+    bool isNarrow() const { return m_narrow; }
+    const char* latin1() const { return m_latin1.constData(); }
+    const char16_t* utf16() const { return QStringView(m_text).utf16(); }
+    // Where unit i is stored, for asking the memory ahead of a read.
+    const void* addressOf(int i) const {
+        return m_narrow ? static_cast<const void*>(latin1() + i) : static_cast<const void*>(utf16() + i);
+    }
+    std::size_t bytesPerUnit() const { return m_narrow ? 1 : 2; }
+
     // The characters' bytes beyond the text itself (the boundary table), for memory accounting.
     std::size_t tableBytes() const { return m_starts ? m_starts->capacity() * sizeof(int) : 0; }
 
 private:
-    QString m_text;
+    // Each Latin-1 character as a UTF-16 unit, for at() to view one of a narrow text.
+    static constexpr std::array<char16_t, 256> kLatin1Characters = [] {
+        std::array<char16_t, 256> units{};
+        for (std::size_t c = 0; c < units.size(); ++c)
+            units[c] = static_cast<char16_t>(c);
+        return units;
+    }();
+
+    QString m_text; // empty when narrow
+    QByteArray m_latin1;
     int m_size = 0;
+    bool m_narrow = false;
     // Shared because an index refined from another keeps the same characters for each entry.
     std::shared_ptr<const std::vector<int>> m_starts;
 };
