@@ -174,6 +174,26 @@ void scanFor(const Text& text, QStringView character, Positions& positions, Foll
         scan(characters.utf16());
 }
 
+// Whether the text holds the character anywhere: a scan that stops at the first.
+bool holds(const Text& text, QStringView character) {
+    const SearchableCharacters& characters = text.entry.searchableCharacters;
+    if (!text.oneUnitPerCharacter) {
+        for (int i = 0; i < text.characters; ++i) {
+            if (characters.equalsAt(i, character))
+                return true;
+        }
+        return false;
+    }
+    if (character.size() != 1)
+        return false;
+    const char16_t wanted = character.front().unicode();
+    if (characters.isNarrow())
+        return wanted <= 0xFF &&
+               std::memchr(characters.latin1(), wanted, static_cast<std::size_t>(text.characters));
+    const char16_t* units = characters.utf16();
+    return std::find(units, units + text.characters, wanted) != units + text.characters;
+}
+
 // Whether the further characters follow at character p of a text with characters of several
 // units, which keeps no units beside its positions.
 inline bool followsByCharacters(const Text& text, const FurtherCharacters& further, int p) {
@@ -227,6 +247,8 @@ ClipboardHistoryIndex::~ClipboardHistoryIndex() {
 void ClipboardHistoryIndex::swap(ClipboardHistoryIndex& other) noexcept {
     using std::swap;
     swap(m_query, other.m_query);
+    swap(m_prefixLength, other.m_prefixLength);
+    swap(m_gathered, other.m_gathered);
     swap(m_store, other.m_store);
     swap(m_chunks, other.m_chunks);
     swap(m_hits, other.m_hits);
@@ -346,7 +368,10 @@ ClipboardHistoryIndex ClipboardHistoryIndex::refinedFrom(const ClipboardHistoryI
     result.m_spare = source.m_spare;
     result.reuseSpareLists();
     result.m_hits.reserve(source.m_live);
-    if (source.m_query.isEmpty())
+    result.m_prefixLength = result.m_query.size();
+    if (source.m_query.isEmpty() && result.m_query.size() == 1)
+        result.selectByCharacterSet(source);
+    else if (source.m_query.isEmpty() || source.positionsPending())
         result.scanFrom(source);
     else
         result.narrowFrom(source);
@@ -394,6 +419,52 @@ void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
     }
     if (m_query.size() == 1)
         sortByNextUnit();
+}
+
+// The entries whose character sets hold the first character, read from the sets alone where they
+// decide it; positions are gathered later.
+void ClipboardHistoryIndex::selectByCharacterSet(const ClipboardHistoryIndex& source) {
+    const QStringView character = m_query.at(0);
+    const std::uint64_t bit = CharacterSet::bitOf(character);
+    const bool decided = CharacterSet::decides(character);
+    const auto& hits = source.m_hits;
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+        if (i + kPrefetchDistance < hits.size() && !hits[i + kPrefetchDistance].isDeleted())
+            prefetch(&source.entryOf(hits[i + kPrefetchDistance]).characterSet);
+        const Hit& hit = hits[i];
+        if (hit.isDeleted())
+            continue;
+        const Entry& entry = source.entryOf(hit);
+        // In a text of several units per character, an "e" may be the start of an accented one.
+        if (entry.characterSet.mayHold(bit) &&
+            ((decided && hit.oneUnitPerCharacter) || holds(Text(entry), character)))
+            keep(source, hit, 0);
+    }
+    m_prefixLength = 0;
+    m_gathered = 0;
+}
+
+bool ClipboardHistoryIndex::gatherPositions(std::size_t hits) {
+    if (!positionsPending())
+        return true;
+    const QStringView character = m_query.at(0);
+    const std::size_t end = m_gathered + std::min(hits, m_hits.size() - m_gathered);
+    for (; m_gathered < end; ++m_gathered) {
+        if (m_gathered + kPrefetchDistance < m_hits.size())
+            prefetchText(m_gathered + kPrefetchDistance, true, 0);
+        Hit& hit = m_hits[m_gathered];
+        hit.firstPosition = static_cast<std::uint32_t>(m_positions.size());
+        if (hit.isDeleted())
+            continue;
+        scanFor(Text(entryOf(hit)), character, m_positions, m_following);
+        m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_gathered));
+    }
+    if (m_gathered < m_hits.size())
+        return false;
+    m_prefixLength = 1;
+    compactIfSparse();
+    sortByNextUnit();
+    return true;
 }
 
 // Groups the positions of a first character by the unit after it, so that the second character
@@ -580,7 +651,7 @@ const ClipboardHistoryIndex::Entry* ClipboardHistoryIndex::entry(const QUuid& id
 
 std::span<const int> ClipboardHistoryIndex::positions(const QUuid& id) const {
     const auto hit = find(id);
-    if (!hit)
+    if (!hit || positionsPending())
         return {};
     return std::span<const int>(m_positions)
         .subspan(m_hits[*hit].firstPosition, endOfPositions(*hit) - m_hits[*hit].firstPosition);
@@ -639,8 +710,13 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
         }
         if (m_positions.size() == first)
             return true;
-        m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_hits.size()));
-        forgetNextUnits();
+        if (positionsPending()) { // gathered with the others, in order
+            m_positions.resize(first);
+            m_following.resize(first);
+        } else {
+            m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_hits.size()));
+            forgetNextUnits();
+        }
     }
     append(std::move(entry), first);
     m_hitsById->insert(item.id, m_hits.size() - 1 + m_hitsErased);
@@ -664,11 +740,14 @@ bool ClipboardHistoryIndex::remove(const QUuid& id) {
 // Deleted hits at the end are dropped at once, so that a capture deleted again leaves nothing.
 void ClipboardHistoryIndex::dropDeletedNewest() {
     while (!m_hits.empty() && m_hits.back().isDeleted()) {
-        m_positions.resize(m_hits.back().firstPosition);
-        m_following.resize(m_hits.back().firstPosition);
-        m_owners.resize(m_hits.back().firstPosition);
-        forgetNextUnits();
+        if (!positionsPending() || m_hits.size() <= m_gathered) { // its positions are in the lists
+            m_positions.resize(m_hits.back().firstPosition);
+            m_following.resize(m_hits.back().firstPosition);
+            m_owners.resize(m_hits.back().firstPosition);
+            forgetNextUnits();
+        }
         m_hits.pop_back();
+        m_gathered = std::min(m_gathered, m_hits.size());
     }
 }
 
@@ -676,7 +755,8 @@ void ClipboardHistoryIndex::dropDeletedNewest() {
 // tens of megabytes.
 void ClipboardHistoryIndex::compactIfSparse() {
     const std::size_t deleted = m_hits.size() - m_live;
-    if (deleted < kFewestDeletedToCompact || deleted < m_live / 4)
+    // While positions are gathered, hits keep their places; the gathering's end compacts.
+    if (deleted < kFewestDeletedToCompact || deleted < m_live / 4 || positionsPending())
         return;
     std::size_t oldest = 0;
     while (m_hits[oldest].isDeleted())
@@ -719,6 +799,7 @@ void ClipboardHistoryIndex::clear() {
     forgetNextUnits();
     m_chunks.clear();
     m_live = 0;
+    m_gathered = 0;
     m_hitsById.reset();
 }
 

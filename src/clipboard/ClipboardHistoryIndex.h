@@ -23,8 +23,10 @@ namespace velmora {
 // surviving positions rather than to the size of the history.
 //
 // The base index (empty query) keeps no position lists at all: at a hundred thousand entries a
-// list per distinct character would cost hundreds of megabytes, while scanning for the first
-// character when refining from the base is a single pass over the texts.
+// list per distinct character would cost hundreds of megabytes. A first character is answered from
+// each entry's CharacterSet instead, without reading the texts: that index lists its entries with
+// no positions yet (prefixLength() 0) and gathers them a slice at a time (gatherPositions), which
+// its owner runs while the user has not typed on; refining it gathers whatever is left first.
 //
 // Beside each position the index keeps the next four UTF-16 units of the text (the characters
 // after the query's first, in texts of one unit per character), taken while the text is in the
@@ -69,16 +71,22 @@ public:
     bool canBeRefinedTo(const QString& lowerCasedQuery) const;
 
     QString query() const { return m_query.text(); }
-    int prefixLength() const { return m_query.size(); }
+    int prefixLength() const { return m_prefixLength; }
     std::size_t size() const { return m_live; }
     bool isEmpty() const { return m_live == 0; }
 
     bool contains(const QUuid& id) const { return find(id).has_value(); }
     const Entry* entry(const QUuid& id) const;
     // Where query()'s first prefixLength() characters begin in the entry's characters, ascending.
-    // Empty in the base index and for an entry not listed.
+    // Empty in the base index, in one whose positions are still being gathered and for an entry
+    // not listed.
     std::span<const int> positions(const QUuid& id) const;
     std::vector<QUuid> ids() const; // newest first
+
+    // Whether the positions of a first character are still to be gathered (see above).
+    bool positionsPending() const { return m_prefixLength < m_query.size(); }
+    // Gathers the positions of up to `hits` more entries, oldest first; true once none is left.
+    bool gatherPositions(std::size_t hits);
 
     // Follow the history as it changes, without rebuilding. An item that does not contain query()
     // is not added (it is no error). Returns false, logging why, when the id is already indexed.
@@ -113,6 +121,7 @@ private:
     // Stores the entry and lists it last, its positions from firstPosition on.
     void append(Entry entry, std::uint32_t firstPosition);
     void scanFrom(const ClipboardHistoryIndex& source);
+    void selectByCharacterSet(const ClipboardHistoryIndex& source);
     void narrowFrom(const ClipboardHistoryIndex& source);
     // Lists the source's hit last, its positions from firstPosition on.
     void keep(const ClipboardHistoryIndex& source, const Hit& hit, std::size_t firstPosition);
@@ -127,6 +136,8 @@ private:
     void compactIfSparse();
 
     SearchableCharacters m_query;
+    int m_prefixLength = 0;
+    std::size_t m_gathered = 0; // hits whose positions are in the lists, while positionsPending()
     std::shared_ptr<ClipboardIndexEntryStore> m_store;
     HeldEntryChunks m_chunks;
     template <typename T> using Buffer = std::vector<T, DefaultInitAllocator<T>>;

@@ -34,6 +34,10 @@ std::vector<QUuid> ClipboardHistorySearch::matchingIds() const {
     return current().ids();
 }
 
+bool ClipboardHistorySearch::gatherPositions(std::size_t hits) {
+    return !m_search || m_search->gatherPositions(hits);
+}
+
 void ClipboardHistorySearch::insertNewest(ClipboardHistoryIndex::ItemInfo item) {
     if (!m_base.insertNewest(item))
         return;

@@ -26,6 +26,9 @@ public:
     // Without search text every indexed entry matches.
     bool matches(const QUuid& id) const;
     std::vector<QUuid> matchingIds() const; // newest first
+    // Gathers up to `hits` more of a first character's positions, so that the next character is
+    // quick (see ClipboardHistoryIndex); true once there is nothing left to gather.
+    bool gatherPositions(std::size_t hits);
 
     void insertNewest(ClipboardHistoryIndex::ItemInfo item);
     void remove(const QUuid& id);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clipboard/CharacterSet.h"
 #include "clipboard/SearchableCharacters.h"
 
 #include <QString>
@@ -11,6 +12,7 @@ namespace velmora {
 struct ClipboardIndexEntry {
     QUuid id;
     SearchableCharacters searchableCharacters;
+    CharacterSet characterSet = CharacterSet::of(searchableCharacters);
 
     QString searchableText() const { return searchableCharacters.text(); }
 };

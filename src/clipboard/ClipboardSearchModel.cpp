@@ -20,6 +20,8 @@ ClipboardSearchModel::ClipboardSearchModel(AppModelContainer& store, QObject* pa
     connect(&m_store, &AppModelContainer::allRemoved, this, [this] { record(Cleared{}); });
     connect(&m_loading, &QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>>::finished, this,
             &ClipboardSearchModel::loaded);
+    m_gathering.setInterval(0);
+    connect(&m_gathering, &QTimer::timeout, this, &ClipboardSearchModel::gatherSlice);
 }
 
 ClipboardSearchModel::~ClipboardSearchModel() {
@@ -82,9 +84,18 @@ std::optional<std::vector<QUuid>> ClipboardSearchModel::setText(const QString& t
     // The lists of a finished search are freed but left to the allocator: the next search reuses
     // them instead of faulting in fresh pages, which costs more than the search itself.
     m_search.setText(text);
+    if (!m_search.gatherPositions(0))
+        m_gathering.start();
     if (!m_search.isFiltering())
         return std::nullopt;
     return m_search.matchingIds();
+}
+
+void ClipboardSearchModel::gatherSlice() {
+    // About a millisecond of texts read, on a history of ~200-character entries.
+    constexpr std::size_t kHitsPerSlice = 4096;
+    if (m_search.gatherPositions(kHitsPerSlice))
+        m_gathering.stop();
 }
 
 std::vector<QUuid> ClipboardSearchModel::find(const QString& text) const {

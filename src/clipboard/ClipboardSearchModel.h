@@ -4,6 +4,7 @@
 
 #include <QFutureWatcher>
 #include <QObject>
+#include <QTimer>
 #include <QUuid>
 
 #include <memory>
@@ -52,6 +53,7 @@ private:
     void apply(const Change& change);
     void record(Change change);
     void loaded();
+    void gatherSlice();
 
     AppModelContainer& m_store;
     ClipboardHistorySearch m_search;
@@ -60,6 +62,9 @@ private:
     std::vector<Change> m_changesWhileLoading;
     // The whole search, read and built on a worker; handed over once, then used here only.
     QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>> m_loading;
+    // A first character's positions, gathered a slice at a time while the user has not typed on:
+    // each slice is short enough that a keystroke waits for it no longer than for a frame.
+    QTimer m_gathering;
 };
 
 } // namespace velmora

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 
 using namespace velmora;
@@ -78,14 +79,21 @@ TEST(ClipboardHistoryIndex, BaseKeepsTheHistoryOrderAndNoQuery) {
 TEST(ClipboardHistoryIndex, RefiningKeepsTheEntriesThatContainTheQueryWithTheirPositions) {
     const std::vector<ItemInfo> items{item("abcabc"), item("xyz"), item("e\u0301bc"), item("ab")};
     const auto base = ClipboardHistoryIndex::base(items);
-    const auto b = base.refined("b");
+    auto b = base.refined("b");
     EXPECT_EQ(found(items, b), (std::vector<std::size_t>{0, 2, 3}));
     EXPECT_EQ(b.query(), QStringLiteral("b"));
+    // A first character lists its entries at once; their positions are gathered a slice at a time.
+    EXPECT_EQ(b.prefixLength(), 0);
+    EXPECT_TRUE(positionsIn(b, items[0].id).empty());
+    EXPECT_EQ(found(items, b.refined("bc")), (std::vector<std::size_t>{0, 2})) << "not gathered yet";
+    EXPECT_FALSE(b.gatherPositions(2));
+    EXPECT_TRUE(b.gatherPositions(1));
     EXPECT_EQ(b.prefixLength(), 1);
     EXPECT_EQ(positionsIn(b, items[0].id), (std::vector<int>{1, 4}));
-    const std::vector<ItemInfo> longer{item("abcabcabcabcab")}; // past the eight units read at once
-    EXPECT_EQ(positionsIn(ClipboardHistoryIndex::base(longer).refined("b"), longer[0].id),
-              (std::vector<int>{1, 4, 7, 10, 13}));
+    auto longer = ClipboardHistoryIndex::base({item("abcabcabcabcab")}).refined("b");
+    longer.gatherPositions(1);
+    EXPECT_EQ(positionsIn(longer, longer.ids().front()), (std::vector<int>{1, 4, 7, 10, 13}))
+        << "past the sixteen units read at once";
 
     const auto bc = b.refined("bc");
     EXPECT_EQ(found(items, bc), (std::vector<std::size_t>{0, 2}));
@@ -246,8 +254,14 @@ std::vector<int> positionsByCharacters(const QString& text, const QString& query
     return result;
 }
 
-// Checks the index against the history (oldest first) by brute force: entries and positions.
-void expectAgreesWithHistory(const ClipboardHistoryIndex& index, const std::vector<ItemInfo>& oldestFirst) {
+// Checks the index against the history (oldest first) by brute force: entries and positions (those
+// still to be gathered, of a copy gathered now).
+void expectAgreesWithHistory(const ClipboardHistoryIndex& checked, const std::vector<ItemInfo>& oldestFirst) {
+    ClipboardHistoryIndex index = checked;
+    if (index.positionsPending()) {
+        EXPECT_EQ(index.prefixLength(), 0);
+        EXPECT_TRUE(index.gatherPositions(std::numeric_limits<std::size_t>::max()));
+    }
     std::vector<QUuid> expected;
     for (auto it = oldestFirst.rbegin(); it != oldestFirst.rend(); ++it) {
         if (index.query().isEmpty() || containsByCharacters(it->searchableText, index.query()))
@@ -317,9 +331,13 @@ TEST(ClipboardHistoryIndex, FollowsALongRunOfCapturesAndDeletions) {
     auto ab = base.refined("ab");
     auto abbaab = ab.refined("abbaab"); // past the units kept beside positions
     auto accented = base.refined("e\u0301a");
-    std::vector<ClipboardHistoryIndex*> indexes{&base, &ab, &abbaab, &accented};
+    auto a = base.refined("a"); // its positions gathered a few entries a step, as history changes
+    std::vector<ClipboardHistoryIndex*> indexes{&base, &ab, &abbaab, &accented, &a};
 
     for (int step = 0; step < 3000; ++step) {
+        if (step % 500 == 250)
+            a = base.refined("a");
+        a.gatherPositions(3);
         const auto choice = random() % 10;
         if (choice < 5 || oldestFirst.size() < 50) {
             const ItemInfo captured = item(randomText());
