@@ -23,25 +23,25 @@ constexpr std::uint64_t bitOfUnit(char16_t unit) {
     return std::uint64_t{1} << (kOwnBits + hashed % kSharedBits);
 }
 
-// Nearly every text is Latin-1: its units are looked up, not computed.
-constexpr std::array<std::uint64_t, 256> kLatin1Bits = [] {
+// Nearly every text is kept narrow: its bytes are looked up, not computed.
+constexpr std::array<std::uint64_t, 256> kBitsOfByte = [] {
     std::array<std::uint64_t, 256> bits{};
-    for (std::size_t c = 0; c < bits.size(); ++c)
-        bits[c] = bitOfUnit(static_cast<char16_t>(c));
+    for (std::size_t b = 0; b < bits.size(); ++b)
+        bits[b] = bitOfUnit(narrow::kUnitOfByte[b]);
     return bits;
 }();
 
 std::uint64_t bitsOf(const char* bytes, int length) {
     std::uint64_t bits = 0;
     for (int i = 0; i < length; ++i)
-        bits |= kLatin1Bits[static_cast<unsigned char>(bytes[i])];
+        bits |= kBitsOfByte[static_cast<unsigned char>(bytes[i])];
     return bits;
 }
 
 std::uint64_t bitsOf(const char16_t* units, int length) {
     std::uint64_t bits = 0;
     for (int i = 0; i < length; ++i)
-        bits |= units[i] < kLatin1Bits.size() ? kLatin1Bits[units[i]] : bitOfUnit(units[i]);
+        bits |= bitOfUnit(units[i]);
     return bits;
 }
 
@@ -51,7 +51,7 @@ CharacterSet CharacterSet::of(const SearchableCharacters& text) {
     CharacterSet set;
     // Every unit of a character is in the text, so a character's first unit is too.
     set.m_bits =
-        text.isNarrow() ? bitsOf(text.latin1(), text.size()) : bitsOf(text.utf16(), text.offset(text.size()));
+        text.isNarrow() ? bitsOf(text.bytes(), text.size()) : bitsOf(text.utf16(), text.offset(text.size()));
     return set;
 }
 

@@ -55,27 +55,18 @@ std::uint64_t unitsFrom(const char16_t* units, int length, int at) {
     return following;
 }
 
-// The same from a text kept one byte per character: each byte widened to its unit.
+// The same from a text kept one byte per character: each byte as the unit it stands for.
 std::uint64_t unitsFrom(const char* bytes, int length, int at) {
     const int count = std::min(kFollowingUnits, length - at);
-    if constexpr (std::endian::native == std::endian::little) {
-        if (count == kFollowingUnits) {
-            std::uint32_t four = 0;
-            std::memcpy(&four, bytes + at, sizeof four);
-            std::uint64_t spread = four;
-            spread = (spread | (spread << 16)) & 0x0000FFFF0000FFFFull;
-            return (spread | (spread << 8)) & 0x00FF00FF00FF00FFull;
-        }
-    }
     std::uint64_t following = 0;
     for (int slot = 0; slot < count; ++slot)
-        following |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[at + slot])) << (16 * slot);
+        following |= static_cast<std::uint64_t>(narrow::unitOf(bytes[at + slot])) << (16 * slot);
     return following;
 }
 
 // For texts of one unit per character, whichever way they are kept.
 std::uint64_t unitsFrom(const SearchableCharacters& text, int at) {
-    return text.isNarrow() ? unitsFrom(text.latin1(), text.size(), at)
+    return text.isNarrow() ? unitsFrom(text.bytes(), text.size(), at)
                            : unitsFrom(text.utf16(), text.size(), at);
 }
 
@@ -117,12 +108,11 @@ struct Text {
     std::uint64_t unitsFrom(int at) const { return velmora::unitsFrom(entry.searchableCharacters, at); }
 };
 
-// Calls found(at) for each place of `wanted` in units[0, length), in order.
+// Calls found(at) for each place of `wanted` (a byte of a narrow text, or a unit) in
+// units[0, length), in order.
 template <typename Unit, typename Found>
-void findUnit(const Unit* units, int length, char16_t wanted, Found&& found) {
+void findUnit(const Unit* units, int length, std::make_unsigned_t<Unit> wanted, Found&& found) {
     static_assert(sizeof(Unit) == 1 || sizeof(Unit) == 2);
-    if (sizeof(Unit) == 1 && wanted > 0xFF)
-        return;
     int i = 0;
 #if defined(__SSE2__)
     // Sixteen bytes at a time: this pass runs over every text of the history on the first character.
@@ -140,7 +130,7 @@ void findUnit(const Unit* units, int length, char16_t wanted, Found&& found) {
     }
 #endif
     for (; i < length; ++i) {
-        if (static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(units[i])) == wanted)
+        if (static_cast<std::make_unsigned_t<Unit>>(units[i]) == wanted)
             found(i);
     }
 }
@@ -161,17 +151,18 @@ void scanFor(const Text& text, QStringView character, Positions& positions, Foll
     if (character.size() != 1) // a text of single units never holds a longer character
         return;
     const SearchableCharacters& characters = text.entry.searchableCharacters;
-    const auto scan = [&](const auto* units) {
+    const auto scan = [&](const auto* units, auto wanted) {
         findUnit(
-            units, text.characters, character.front().unicode(), [&](int at) __attribute__((always_inline)) {
+            units, text.characters, wanted, [&](int at) __attribute__((always_inline)) {
                 positions.push_back(at);
                 following.push_back(unitsFrom(units, text.characters, at + 1));
             });
     };
-    if (characters.isNarrow())
-        scan(characters.latin1());
-    else
-        scan(characters.utf16());
+    const char16_t wanted = character.front().unicode();
+    if (!characters.isNarrow())
+        scan(characters.utf16(), wanted);
+    else if (const int byte = narrow::byteOf(wanted); byte >= 0)
+        scan(characters.bytes(), static_cast<unsigned char>(byte));
 }
 
 // Whether the text holds the character anywhere: a scan that stops at the first.
@@ -187,9 +178,10 @@ bool holds(const Text& text, QStringView character) {
     if (character.size() != 1)
         return false;
     const char16_t wanted = character.front().unicode();
-    if (characters.isNarrow())
-        return wanted <= 0xFF &&
-               std::memchr(characters.latin1(), wanted, static_cast<std::size_t>(text.characters));
+    if (characters.isNarrow()) {
+        const int byte = narrow::byteOf(wanted);
+        return byte >= 0 && std::memchr(characters.bytes(), byte, static_cast<std::size_t>(text.characters));
+    }
     const char16_t* units = characters.utf16();
     return std::find(units, units + text.characters, wanted) != units + text.characters;
 }

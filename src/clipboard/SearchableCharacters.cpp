@@ -98,8 +98,15 @@ std::vector<int> characterStarts(const QString& text) {
     return withFlagsPaired(text, starts);
 }
 
-bool isLatin1(QStringView text) {
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x100; });
+bool hasNarrowForm(QStringView text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return narrow::byteOf(c.unicode()) >= 0; });
+}
+
+QByteArray narrowed(QStringView text) {
+    QByteArray bytes(text.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i)
+        bytes[i] = static_cast<char>(narrow::byteOf(text[i].unicode()));
+    return bytes;
 }
 
 } // namespace
@@ -128,8 +135,8 @@ SearchableCharacters::SearchableCharacters(QString text, Storage storage) : m_te
     }
     if (hasOneUnitPerCharacter(m_text)) {
         m_size = static_cast<int>(m_text.size());
-        if (storage == Storage::NarrowWherePossible && isLatin1(m_text)) {
-            m_latin1 = m_text.toLatin1();
+        if (storage == Storage::NarrowWherePossible && hasNarrowForm(m_text)) {
+            m_bytes = narrowed(m_text);
             m_text = QString();
             m_narrow = true;
         }
@@ -139,6 +146,15 @@ SearchableCharacters::SearchableCharacters(QString text, Storage storage) : m_te
     starts->shrink_to_fit();
     m_size = static_cast<int>(starts->size()) - 1;
     m_starts = std::move(starts);
+}
+
+QString SearchableCharacters::text() const {
+    if (!m_narrow)
+        return m_text;
+    QString text(m_bytes.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < m_bytes.size(); ++i)
+        text[i] = QChar(narrow::unitOf(m_bytes[i]));
+    return text;
 }
 
 } // namespace velmora

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "clipboard/NarrowCharacters.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -16,8 +17,9 @@ namespace velmora {
 // Most texts have exactly one UTF-16 unit per character; those keep no table of boundaries, which
 // is what keeps an index over a long history small and quick to build.
 //
-// A text kept for searching (Storage::NarrowWherePossible) whose characters are all Latin-1 is held
-// as one byte per character: half the memory, and half the bytes a scan of the history reads.
+// A text kept for searching (Storage::NarrowWherePossible) whose characters all have a byte in
+// the narrow form (see NarrowCharacters.h) is held as one byte per character: half the memory, and
+// half the bytes a scan of the history reads.
 class SearchableCharacters {
 public:
     enum class Storage { AsGiven, NarrowWherePossible };
@@ -25,20 +27,19 @@ public:
     SearchableCharacters() = default;
     explicit SearchableCharacters(QString text, Storage storage = Storage::AsGiven);
 
-    QString text() const { return m_narrow ? QString::fromLatin1(m_latin1) : m_text; }
+    QString text() const;
     int size() const { return m_size; }
     bool isEmpty() const { return m_size == 0; }
     // Where character i begins in text(), in UTF-16 units; offset(size()) is the text's length.
     int offset(int i) const { return m_starts ? (*m_starts)[i] : i; }
     QStringView at(int i) const {
         if (m_narrow)
-            return QStringView(&kLatin1Characters[static_cast<unsigned char>(m_latin1[i])], 1);
+            return QStringView(&narrow::kUnitOfByte[static_cast<unsigned char>(m_bytes[i])], 1);
         return QStringView(m_text).mid(offset(i), offset(i + 1) - offset(i));
     }
     bool equalsAt(int i, QStringView character) const {
         if (m_narrow)
-            return character.size() == 1 &&
-                   character.front().unicode() == static_cast<unsigned char>(m_latin1[i]);
+            return character.size() == 1 && character.front().unicode() == narrow::unitOf(m_bytes[i]);
         if (!m_starts)
             return character.size() == 1 && m_text.at(i) == character.front();
         return at(i) == character;
@@ -50,11 +51,11 @@ public:
 
     // The stored units, for the index's scans: one byte per character when narrow, else UTF-16.
     bool isNarrow() const { return m_narrow; }
-    const char* latin1() const { return m_latin1.constData(); }
+    const char* bytes() const { return m_bytes.constData(); }
     const char16_t* utf16() const { return QStringView(m_text).utf16(); }
     // Where unit i is stored, for asking the memory ahead of a read.
     const void* addressOf(int i) const {
-        return m_narrow ? static_cast<const void*>(latin1() + i) : static_cast<const void*>(utf16() + i);
+        return m_narrow ? static_cast<const void*>(bytes() + i) : static_cast<const void*>(utf16() + i);
     }
     std::size_t bytesPerUnit() const { return m_narrow ? 1 : 2; }
 
@@ -62,16 +63,8 @@ public:
     std::size_t tableBytes() const { return m_starts ? m_starts->capacity() * sizeof(int) : 0; }
 
 private:
-    // Each Latin-1 character as a UTF-16 unit, for at() to view one of a narrow text.
-    static constexpr std::array<char16_t, 256> kLatin1Characters = [] {
-        std::array<char16_t, 256> units{};
-        for (std::size_t c = 0; c < units.size(); ++c)
-            units[c] = static_cast<char16_t>(c);
-        return units;
-    }();
-
-    QString m_text; // empty when narrow
-    QByteArray m_latin1;
+    QString m_text;     // empty when narrow
+    QByteArray m_bytes; // when narrow
     int m_size = 0;
     bool m_narrow = false;
     // Shared because an index refined from another keeps the same characters for each entry.
