@@ -3,6 +3,7 @@
 #include "clipboard/ClipboardLog.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QUuid>
 
@@ -78,7 +79,13 @@ void ExternalStorage::remove(const QStringList& names) const {
 }
 
 QStringList ExternalStorage::names() const {
-    return QDir(m_folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    // One name at a time: a sorted listing holds a file record per file, half a kilobyte each,
+    // and a history of a hundred thousand entries has that many files.
+    QStringList names;
+    QDirIterator it(m_folder, QDir::Files | QDir::Hidden | QDir::System);
+    while (it.hasNext())
+        names.append(it.nextFileInfo().fileName());
+    return names;
 }
 
 } // namespace velmora
