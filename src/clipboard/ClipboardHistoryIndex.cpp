@@ -58,6 +58,16 @@ std::uint64_t unitsFrom(const char16_t* units, int length, int at) {
 // The same from a text kept one byte per character: each byte as the unit it stands for.
 std::uint64_t unitsFrom(const char* bytes, int length, int at) {
     const int count = std::min(kFollowingUnits, length - at);
+    if constexpr (std::endian::native == std::endian::little) {
+        std::uint32_t four = 0;
+        if (count == kFollowingUnits &&
+            (std::memcpy(&four, bytes + at, sizeof four), (four & 0x80808080u) == 0)) {
+            // Four ASCII bytes, each its own unit: spread into the four 16-bit slots at once.
+            std::uint64_t spread = four;
+            spread = (spread | (spread << 16)) & 0x0000FFFF0000FFFFull;
+            return (spread | (spread << 8)) & 0x00FF00FF00FF00FFull;
+        }
+    }
     std::uint64_t following = 0;
     for (int slot = 0; slot < count; ++slot)
         following |= static_cast<std::uint64_t>(narrow::unitOf(bytes[at + slot])) << (16 * slot);
