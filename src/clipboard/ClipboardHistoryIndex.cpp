@@ -686,6 +686,20 @@ std::vector<QUuid> ClipboardHistoryIndex::ids() const {
     return ids;
 }
 
+std::vector<QUuid> ClipboardHistoryIndex::ids(std::size_t from, std::size_t count) const {
+    std::vector<QUuid> ids;
+    ids.reserve(std::min(count, m_live));
+    for (std::size_t i = m_hits.size(); i-- > 0 && ids.size() < count;) {
+        if (m_hits[i].isDeleted())
+            continue;
+        if (from > 0)
+            --from;
+        else
+            ids.push_back(entryOf(m_hits[i]).id);
+    }
+    return ids;
+}
+
 bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
     if (contains(item.id)) {
         qCWarning(lcClipboard) << "Clipboard entry" << item.id

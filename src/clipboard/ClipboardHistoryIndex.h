@@ -82,6 +82,8 @@ public:
     // not listed.
     std::span<const int> positions(const QUuid& id) const;
     std::vector<QUuid> ids() const; // newest first
+    // The `count` ids after the `from` newest, newest first.
+    std::vector<QUuid> ids(std::size_t from, std::size_t count) const;
 
     // Whether the positions of a first character are still to be gathered (see above).
     bool positionsPending() const { return m_prefixLength < m_query.size(); }

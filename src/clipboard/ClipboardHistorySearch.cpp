@@ -34,6 +34,14 @@ std::vector<QUuid> ClipboardHistorySearch::matchingIds() const {
     return current().ids();
 }
 
+std::vector<QUuid> ClipboardHistorySearch::matchingIds(std::size_t from, std::size_t count) const {
+    return current().ids(from, count);
+}
+
+std::size_t ClipboardHistorySearch::matchCount() const {
+    return current().size();
+}
+
 bool ClipboardHistorySearch::gatherPositions(std::size_t hits) {
     return !m_search || m_search->gatherPositions(hits);
 }

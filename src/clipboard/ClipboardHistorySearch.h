@@ -26,6 +26,8 @@ public:
     // Without search text every indexed entry matches.
     bool matches(const QUuid& id) const;
     std::vector<QUuid> matchingIds() const; // newest first
+    std::vector<QUuid> matchingIds(std::size_t from, std::size_t count) const;
+    std::size_t matchCount() const;
     // Gathers up to `hits` more of a first character's positions, so that the next character is
     // quick (see ClipboardHistoryIndex); true once there is nothing left to gather.
     bool gatherPositions(std::size_t hits);

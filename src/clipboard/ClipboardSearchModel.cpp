@@ -80,7 +80,7 @@ void ClipboardSearchModel::apply(const Change& change) {
     }
 }
 
-std::optional<std::vector<QUuid>> ClipboardSearchModel::setText(const QString& text) {
+std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& text) {
     // The lists of a finished search are freed but left to the allocator: the next search reuses
     // them instead of faulting in fresh pages, which costs more than the search itself.
     m_search.setText(text);
@@ -88,7 +88,9 @@ std::optional<std::vector<QUuid>> ClipboardSearchModel::setText(const QString& t
         m_gathering.start();
     if (!m_search.isFiltering())
         return std::nullopt;
-    return m_search.matchingIds();
+    return ClipboardMatches{m_search.matchCount(), [this](std::size_t from, std::size_t count) {
+                                return m_search.matchingIds(from, count);
+                            }};
 }
 
 void ClipboardSearchModel::gatherSlice() {

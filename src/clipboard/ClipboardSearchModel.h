@@ -1,6 +1,7 @@
 #pragma once
 
 #include "clipboard/ClipboardHistorySearch.h"
+#include "clipboard/ClipboardMatches.h"
 
 #include <QFutureWatcher>
 #include <QObject>
@@ -29,9 +30,9 @@ public:
     bool isReady() const { return m_ready; }
     std::size_t indexedCount() const { return m_search.baseIndex().size(); }
 
-    // The history window's search text as typed: the matching ids newest first, or nothing when the
-    // text is empty (every entry is listed). Refines the previous answer when the text grew.
-    std::optional<std::vector<QUuid>> setText(const QString& text);
+    // The history window's search text as typed: the matching entries, or nothing when the text is
+    // empty (every entry is listed). Refines the previous answer when the text grew.
+    std::optional<ClipboardMatches> setText(const QString& text);
     // A search of its own, from the base, that leaves the window's search as it is.
     std::vector<QUuid> find(const QString& text) const;
 

@@ -11,17 +11,14 @@ ClipboardHistoryListModel::ClipboardHistoryListModel(AppModelContainer& store, Q
     connect(&m_store, &AppModelContainer::itemAdded, this, &ClipboardHistoryListModel::added);
     connect(&m_store, &AppModelContainer::itemsRemoved, this, &ClipboardHistoryListModel::removed);
     connect(&m_store, &AppModelContainer::allRemoved, this, [this] {
-        // The filter's ids are gone with the entries.
-        if (m_filter)
-            m_filter->clear();
         m_rowCache.clear();
         reload();
     });
     reload();
 }
 
-void ClipboardHistoryListModel::setFilter(std::optional<std::vector<QUuid>> ids) {
-    m_filter = std::move(ids);
+void ClipboardHistoryListModel::setFilter(std::optional<ClipboardMatches> matches) {
+    m_filter = std::move(matches);
     reload();
 }
 
@@ -46,10 +43,9 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
         return;
     std::vector<SimpleClipboardItem> page;
     if (m_filter) {
-        const auto from = std::min(m_filter->size(), m_rows.size());
-        const auto to = std::min(m_filter->size(), from + kPageSize);
-        page = rowsWithIds({m_filter->begin() + from, m_filter->begin() + to});
-        m_exhausted = to == m_filter->size();
+        const auto ids = m_filter->page(m_rows.size(), kPageSize);
+        page = rowsWithIds(ids);
+        m_exhausted = ids.size() < std::size_t(kPageSize);
     } else {
         page = m_store.items(kPageSize, int(m_rows.size()));
         m_exhausted = page.size() < std::size_t(kPageSize);
@@ -144,9 +140,7 @@ void ClipboardHistoryListModel::added(const SimpleClipboardItem& item) {
 
 void ClipboardHistoryListModel::removed(const QList<QUuid>& ids) {
     for (const QUuid& id : ids) {
-        m_rowCache.remove(id);
-        if (m_filter)
-            std::erase(*m_filter, id);
+        m_rowCache.remove(id); // the filter reads its pages from the search, which follows too
         const int row = rowOf(id);
         if (row < 0)
             continue;

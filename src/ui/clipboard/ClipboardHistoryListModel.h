@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clipboard/ClipboardMatches.h"
 #include "clipboard/SimpleClipboardItem.h"
 
 #include <QAbstractListModel>
@@ -26,7 +27,7 @@ public:
     explicit ClipboardHistoryListModel(AppModelContainer& store, QObject* parent = nullptr);
 
     // Lists every entry (nullopt) or only these, newest first. Starts again from the first page.
-    void setFilter(std::optional<std::vector<QUuid>> ids);
+    void setFilter(std::optional<ClipboardMatches> matches);
     bool isFiltered() const { return m_filter.has_value(); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -50,7 +51,7 @@ private:
     std::vector<SimpleClipboardItem> rowsWithIds(const std::vector<QUuid>& ids);
 
     AppModelContainer& m_store;
-    std::optional<std::vector<QUuid>> m_filter;
+    std::optional<ClipboardMatches> m_filter;
     std::vector<SimpleClipboardItem> m_rows;
     bool m_exhausted = false;
     mutable QCache<QString, QImage> m_images{200};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clipboard/ClipboardMatches.h"
 #include "clipboard/SimpleClipboardItem.h"
 #include "core/KeyboardAppAction.h"
 
@@ -37,7 +38,7 @@ class ClipboardHistoryWindow : public QObject {
 public:
     // Answers the ids that match a search text, newest first; nothing when the text searches nothing
     // (empty), so that every entry is listed.
-    using Search = std::function<std::optional<std::vector<QUuid>>(const QString& text)>;
+    using Search = std::function<std::optional<ClipboardMatches>(const QString& text)>;
 
     ClipboardHistoryWindow(AppModelContainer& store, ClipboardHistory& actions, Search search,
                            QuickLookHelper* preview, Workspace& workspace, const Screens& screens,

@@ -220,10 +220,11 @@ TEST(ClipboardSearchModel, ReadsTheStoreOnceThenFollowsCapturesAndDeletions) {
     EXPECT_EQ(search.find("editor").size(), 2u);
 
     const auto gamma = a.copy({item({{T::string, "gamma report"}})});
-    const auto ids = search.setText("rep");
-    ASSERT_TRUE(ids);
-    ASSERT_EQ(ids->size(), 2u);
-    EXPECT_EQ(ids->front(), gamma.id); // newest first
+    const auto matches = search.setText("rep");
+    ASSERT_TRUE(matches);
+    ASSERT_EQ(matches->size(), 2u);
+    EXPECT_EQ(matches->page(0, 1), std::vector<QUuid>{gamma.id}); // newest first
+    EXPECT_EQ(matches->page(1, 5).size(), 1u);
     a.store.deleteItem(gamma.id);
     EXPECT_EQ(search.setText("repo")->size(), 1u);
     EXPECT_FALSE(search.setText(""));
