@@ -27,17 +27,23 @@ constexpr std::size_t kNextUnitBuckets = 256;
 constexpr std::size_t kFewestDeletedToCompact = 64;
 
 constexpr auto kKeptNarrow = SearchableCharacters::Storage::NarrowWherePossible;
+// The units a scan keeps begin at the character after the one found.
+constexpr int kScannedWindow = 1;
 
 void prefetch(const void* address) {
     __builtin_prefetch(address);
 }
 
-// The query character the units beside each position begin at once `matched` characters matched:
-// the first character is found by a scan that keeps the four after it, those serve the next four
-// characters, then the four from there are read from the text, and so on. A function of the
-// query's length alone, so typing one character at a time and pasting agree.
-int followingFrom(int matched) {
-    return matched <= 1 ? 1 : 1 + kFollowingUnits * ((matched - 2) / kFollowingUnits);
+// The query character the units beside each position begin at (an index's "window"): the first
+// character is found by a scan that keeps the four after it (window 1), those serve the next four
+// characters, then the four from the next one on are read from the text, and so on. This is where
+// the window is once query characters [from, end) were compared starting from `window`.
+int windowAfter(int window, int from, int end) {
+    for (int k = from; k < end; ++k) {
+        if (k >= window + kFollowingUnits)
+            window = k;
+    }
+    return window;
 }
 
 // Up to four units of a text from `at` on, the first in the lowest bits; none past the end.
@@ -207,14 +213,15 @@ inline bool followsByCharacters(const Text& text, const FurtherCharacters& furth
 }
 
 // Whether the further characters follow at position p of a text of `characters` single units,
-// compared with the units kept beside the position (`following`, updated to those the narrowed
-// position keeps). `unitsFrom(at)` reads the text, only when the units kept run out.
+// compared with the units kept beside the position (`following`, from query character `window`
+// on; updated to those the narrowed position keeps). `unitsFrom(at)` reads the text, only when the
+// units kept run out.
 template <typename UnitsFrom>
 inline bool followsAt(int characters, UnitsFrom&& unitsFrom, const FurtherCharacters& further, int p,
-                      std::uint64_t& following) {
+                      int window, std::uint64_t& following) {
     if (p + further.end > characters) // the text ends before the query does
         return false;
-    int followingFromCharacter = followingFrom(further.from);
+    int followingFromCharacter = window;
     for (int k = further.from; k < further.end; ++k) {
         if (k >= followingFromCharacter + kFollowingUnits) {
             following = unitsFrom(p + k);
@@ -251,6 +258,9 @@ void ClipboardHistoryIndex::swap(ClipboardHistoryIndex& other) noexcept {
     swap(m_query, other.m_query);
     swap(m_prefixLength, other.m_prefixLength);
     swap(m_gathered, other.m_gathered);
+    swap(m_followingFrom, other.m_followingFrom);
+    swap(m_nextFollowing, other.m_nextFollowing);
+    swap(m_prepared, other.m_prepared);
     swap(m_store, other.m_store);
     swap(m_chunks, other.m_chunks);
     swap(m_hits, other.m_hits);
@@ -384,6 +394,7 @@ ClipboardHistoryIndex ClipboardHistoryIndex::refinedFrom(const ClipboardHistoryI
 // The first character by a scan of every text, then the further ones by narrowing each text's
 // positions.
 void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
+    m_followingFrom = windowAfter(kScannedWindow, 1, m_query.size());
     const FurtherCharacters further(m_query, 1);
     const QStringView character = m_query.at(0);
     const auto& hits = source.m_hits;
@@ -407,7 +418,7 @@ void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
                 text.oneUnitPerCharacter
                     ? further.singleUnits && followsAt(
                                                  text.characters, [&](int at) { return text.unitsFrom(at); },
-                                                 further, scanned[j], following)
+                                                 further, scanned[j], kScannedWindow, following)
                     : followsByCharacters(text, further, scanned[j]);
             if (follows) {
                 m_positions.push_back(scanned[j]);
@@ -444,6 +455,41 @@ void ClipboardHistoryIndex::selectByCharacterSet(const ClipboardHistoryIndex& so
     }
     m_prefixLength = 0;
     m_gathered = 0;
+    m_followingFrom = kScannedWindow;
+}
+
+int ClipboardHistoryIndex::nextWindow() const {
+    const int typed = m_query.size();
+    return windowAfter(m_followingFrom, typed, typed + 1);
+}
+
+bool ClipboardHistoryIndex::prepareNextWindow(std::size_t positions) {
+    if (m_query.isEmpty() || positionsPending() || nextWindow() == m_followingFrom)
+        return true;
+    const int window = nextWindow();
+    const std::size_t count = m_positions.size(); // captures meanwhile add positions: read them too
+    m_nextFollowing.resize(count);
+    const std::size_t end = m_prepared + std::min(positions, count - m_prepared);
+    for (; m_prepared < end; ++m_prepared) {
+        if (m_prepared + kPrefetchDistance < count)
+            prefetchFollowing(m_prepared + kPrefetchDistance, window);
+        const Hit& hit = m_hits[m_owners[m_prepared]];
+        m_nextFollowing[m_prepared] =
+            hit.isDeleted() || !hit.oneUnitPerCharacter
+                ? 0
+                : unitsFrom(entryOf(hit).searchableCharacters, m_positions[m_prepared] + window);
+    }
+    if (m_prepared < count)
+        return false;
+    m_following.swap(m_nextFollowing);
+    m_followingFrom = window;
+    forgetNextWindow();
+    return true;
+}
+
+void ClipboardHistoryIndex::forgetNextWindow() {
+    m_nextFollowing.clear();
+    m_prepared = 0;
 }
 
 bool ClipboardHistoryIndex::gatherPositions(std::size_t hits) {
@@ -501,7 +547,8 @@ void ClipboardHistoryIndex::forgetNextUnits() {
 // which would be mispredicted about as often as not.
 void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
     const FurtherCharacters further(m_query, source.m_query.size());
-    const int window = followingFrom(further.from);
+    const int window = source.m_followingFrom;
+    m_followingFrom = windowAfter(window, further.from, further.end);
     // The usual case, a character or a few typed: compared with the units kept, all at once.
     const bool inKeptUnits = further.singleUnits && further.end <= window + kFollowingUnits;
     std::uint64_t mask = 0;
@@ -564,7 +611,7 @@ void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
                                      [&](int at) {
                                          return unitsFrom(source.entryOf(hit).searchableCharacters, at);
                                      },
-                                     further, p, following)
+                                     further, p, window, following)
                            : followsByCharacters(Text(source.entryOf(hit)), further, p));
         }
         const bool firstOfHit = follows & (owner != lastOwner);
@@ -720,11 +767,13 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
                 text.oneUnitPerCharacter
                     ? further.singleUnits && followsAt(
                                                  text.characters, [&](int at) { return text.unitsFrom(at); },
-                                                 further, scanned[j], following[j])
+                                                 further, scanned[j], kScannedWindow, following[j])
                     : followsByCharacters(text, further, scanned[j]);
             if (follows) {
                 m_positions.push_back(scanned[j]);
-                m_following.push_back(following[j]);
+                // In this index's window, which a preparation for the next character may have moved.
+                m_following.push_back(text.oneUnitPerCharacter ? text.unitsFrom(scanned[j] + m_followingFrom)
+                                                               : 0);
             }
         }
         if (m_positions.size() == first)
@@ -758,6 +807,8 @@ bool ClipboardHistoryIndex::remove(const QUuid& id) {
 
 // Deleted hits at the end are dropped at once, so that a capture deleted again leaves nothing.
 void ClipboardHistoryIndex::dropDeletedNewest() {
+    if (!m_hits.empty() && m_hits.back().isDeleted())
+        forgetNextWindow(); // the positions it read may go
     while (!m_hits.empty() && m_hits.back().isDeleted()) {
         if (!positionsPending() || m_hits.size() <= m_gathered) { // its positions are in the lists
             m_positions.resize(m_hits.back().firstPosition);
@@ -777,6 +828,7 @@ void ClipboardHistoryIndex::compactIfSparse() {
     // While positions are gathered, hits keep their places; the gathering's end compacts.
     if (deleted < kFewestDeletedToCompact || deleted < m_live / 4 || positionsPending())
         return;
+    forgetNextWindow(); // positions move
     std::size_t oldest = 0;
     while (m_hits[oldest].isDeleted())
         ++oldest;
@@ -819,6 +871,7 @@ void ClipboardHistoryIndex::clear() {
     m_chunks.clear();
     m_live = 0;
     m_gathered = 0;
+    forgetNextWindow();
     m_hitsById.reset();
 }
 

@@ -89,6 +89,10 @@ public:
     bool positionsPending() const { return m_prefixLength < m_query.size(); }
     // Gathers the positions of up to `hits` more entries, oldest first; true once none is left.
     bool gatherPositions(std::size_t hits);
+    // Where the next character is the first past the units kept beside each position, reads the
+    // units from there for up to `positions` more positions, so that the next character is checked
+    // without reading the texts; true once nothing is left to read. Like gathering, for idle time.
+    bool prepareNextWindow(std::size_t positions);
 
     // Follow the history as it changes, without rebuilding. An item that does not contain query()
     // is not added (it is no error). Returns false, logging why, when the id is already indexed.
@@ -136,10 +140,14 @@ private:
     void forgetNextUnits();
     void dropDeletedNewest();
     void compactIfSparse();
+    int nextWindow() const;
+    void forgetNextWindow();
 
     SearchableCharacters m_query;
     int m_prefixLength = 0;
     std::size_t m_gathered = 0; // hits whose positions are in the lists, while positionsPending()
+    // The query character the units beside each position (m_following) begin at.
+    int m_followingFrom = 1;
     std::shared_ptr<ClipboardIndexEntryStore> m_store;
     HeldEntryChunks m_chunks;
     template <typename T> using Buffer = std::vector<T, DefaultInitAllocator<T>>;
@@ -149,6 +157,9 @@ private:
     Buffer<int> m_positions;
     // Beside each position, the text's UTF-16 units from a query character on (see followingFrom).
     Buffer<std::uint64_t> m_following;
+    // The units from the next window on, for the positions before m_prepared (prepareNextWindow).
+    Buffer<std::uint64_t> m_nextFollowing;
+    std::size_t m_prepared = 0;
     // Beside each position, its hit: narrowing is one pass over the positions, not a loop per hit.
     Buffer<std::uint32_t> m_owners;
     // Of a first character's index only, until it changes: position indices grouped by the unit

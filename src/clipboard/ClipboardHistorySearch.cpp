@@ -42,8 +42,9 @@ std::size_t ClipboardHistorySearch::matchCount() const {
     return current().size();
 }
 
-bool ClipboardHistorySearch::gatherPositions(std::size_t hits) {
-    return !m_search || m_search->gatherPositions(hits);
+bool ClipboardHistorySearch::prepareNextCharacter(std::size_t work) {
+    // A position costs about a quarter of what scanning an entry's text does.
+    return !m_search || (m_search->gatherPositions(work) && m_search->prepareNextWindow(work * 4));
 }
 
 void ClipboardHistorySearch::insertNewest(ClipboardHistoryIndex::ItemInfo item) {

@@ -28,9 +28,10 @@ public:
     std::vector<QUuid> matchingIds() const; // newest first
     std::vector<QUuid> matchingIds(std::size_t from, std::size_t count) const;
     std::size_t matchCount() const;
-    // Gathers up to `hits` more of a first character's positions, so that the next character is
-    // quick (see ClipboardHistoryIndex); true once there is nothing left to gather.
-    bool gatherPositions(std::size_t hits);
+    // Does up to about `work` more of what makes the next character quick (gathering a first
+    // character's positions, reading the units past those kept; see ClipboardHistoryIndex); true
+    // once there is nothing left to do.
+    bool prepareNextCharacter(std::size_t work);
 
     void insertNewest(ClipboardHistoryIndex::ItemInfo item);
     void remove(const QUuid& id);

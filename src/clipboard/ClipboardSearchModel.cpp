@@ -84,7 +84,7 @@ std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& tex
     // The lists of a finished search are freed but left to the allocator: the next search reuses
     // them instead of faulting in fresh pages, which costs more than the search itself.
     m_search.setText(text);
-    if (!m_search.gatherPositions(0))
+    if (!m_search.prepareNextCharacter(0))
         m_gathering.start();
     if (!m_search.isFiltering())
         return std::nullopt;
@@ -96,7 +96,7 @@ std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& tex
 void ClipboardSearchModel::gatherSlice() {
     // About a millisecond of texts read, on a history of ~200-character entries.
     constexpr std::size_t kHitsPerSlice = 4096;
-    if (m_search.gatherPositions(kHitsPerSlice))
+    if (m_search.prepareNextCharacter(kHitsPerSlice))
         m_gathering.stop();
 }
 

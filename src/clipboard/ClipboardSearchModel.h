@@ -63,7 +63,7 @@ private:
     std::vector<Change> m_changesWhileLoading;
     // The whole search, read and built on a worker; handed over once, then used here only.
     QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>> m_loading;
-    // A first character's positions, gathered a slice at a time while the user has not typed on:
+    // What makes the next character quick, done a slice at a time while the user has not typed on:
     // each slice is short enough that a keystroke waits for it no longer than for a frame.
     QTimer m_gathering;
 };

@@ -105,6 +105,15 @@ TEST(ClipboardHistoryIndex, RefiningKeepsTheEntriesThatContainTheQueryWithTheirP
     EXPECT_EQ(found(items, base.refined("bca")), (std::vector<std::size_t>{0}));
     EXPECT_EQ(found(items, bc.refined("bc")), found(items, bc));
     EXPECT_TRUE(base.refined("q").isEmpty());
+
+    // Past the units kept beside each position, the next ones can be read ahead of the keystroke.
+    const std::vector<ItemInfo> words{item("abcdefgh"), item("abcdexyz")};
+    auto abcde = ClipboardHistoryIndex::base(words).refined("abcde");
+    EXPECT_FALSE(abcde.prepareNextWindow(1));
+    EXPECT_TRUE(abcde.prepareNextWindow(1));
+    EXPECT_TRUE(abcde.prepareNextWindow(1)) << "nothing left until the next character";
+    EXPECT_EQ(found(words, abcde.refined("abcdef")), (std::vector<std::size_t>{0}));
+    EXPECT_EQ(found(words, abcde.refined("abcdexyz")), (std::vector<std::size_t>{1}));
 }
 
 TEST(ClipboardHistoryIndex, RefusesAQueryThatDoesNotExtendItsOwn) {
@@ -309,6 +318,9 @@ TEST(ClipboardHistoryIndex, AgreesWithABruteForceSearchForLongQueries) {
             expectAgreesWithHistory(index, oldestFirst);
             if (index.isEmpty())
                 break;
+            // Idle time before the next keystroke: none, some or enough to read the next units.
+            index.gatherPositions(random() % 64);
+            index.prepareNextWindow(random() % 64);
         }
     }
 }
@@ -333,13 +345,17 @@ TEST(ClipboardHistoryIndex, FollowsALongRunOfCapturesAndDeletions) {
     auto ab = base.refined("ab");
     auto abbaab = ab.refined("abbaab"); // past the units kept beside positions
     auto accented = base.refined("e\u0301a");
-    auto a = base.refined("a"); // its positions gathered a few entries a step, as history changes
-    std::vector<ClipboardHistoryIndex*> indexes{&base, &ab, &abbaab, &accented, &a};
+    auto a = base.refined("a");         // its positions gathered a few entries a step, as history changes
+    auto abbab = base.refined("abbab"); // the units past those kept read a few positions a step
+    std::vector<ClipboardHistoryIndex*> indexes{&base, &ab, &abbaab, &accented, &a, &abbab};
 
     for (int step = 0; step < 3000; ++step) {
-        if (step % 500 == 250)
+        if (step % 500 == 250) {
             a = base.refined("a");
+            abbab = base.refined("abbab");
+        }
         a.gatherPositions(3);
+        abbab.prepareNextWindow(2);
         const auto choice = random() % 10;
         if (choice < 5 || oldestFirst.size() < 50) {
             const ItemInfo captured = item(randomText());
@@ -362,8 +378,10 @@ TEST(ClipboardHistoryIndex, FollowsALongRunOfCapturesAndDeletions) {
         if (step % 500 == 0) {
             for (ClipboardHistoryIndex* index : indexes)
                 expectAgreesWithHistory(*index, oldestFirst);
-            // A fresh refine of the changed base agrees too.
+            // A fresh refine of the changed base agrees too, and so does the next character after
+            // a preparation half done.
             expectAgreesWithHistory(base.refined("ba"), oldestFirst);
+            expectAgreesWithHistory(abbab.refined("abbab "), oldestFirst);
         }
     }
     for (ClipboardHistoryIndex* index : indexes)
