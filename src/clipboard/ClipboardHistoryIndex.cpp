@@ -1,236 +1,30 @@
 #include "clipboard/ClipboardHistoryIndex.h"
 
 #include "clipboard/ClipboardLog.h"
+#include "clipboard/IndexedText.h"
 
 #include <QSet>
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace velmora {
+
+using namespace indexed_text;
 
 namespace {
 
 // How many entries ahead the loops ask for texts: their reads miss the cache one entry at a time
 // otherwise, and that waiting, not the comparing, is what a scan of the texts costs.
 constexpr std::size_t kPrefetchDistance = 16;
-// The UTF-16 units kept beside each position: one 64-bit word.
-constexpr int kFollowingUnits = 4;
 // Positions of a first character are grouped by the low byte of the unit after it.
 constexpr std::size_t kNextUnitBuckets = 256;
 // Deleted hits are left in place until there are this many and a quarter as many as live ones.
 constexpr std::size_t kFewestDeletedToCompact = 64;
 
 constexpr auto kKeptNarrow = SearchableCharacters::Storage::NarrowWherePossible;
-// The units a scan keeps begin at the character after the one found.
-constexpr int kScannedWindow = 1;
 
 void prefetch(const void* address) {
     __builtin_prefetch(address);
-}
-
-// The query character the units beside each position begin at (an index's "window"): the first
-// character is found by a scan that keeps the four after it (window 1), those serve the next four
-// characters, then the four from the next one on are read from the text, and so on. This is where
-// the window is once query characters [from, end) were compared starting from `window`.
-int windowAfter(int window, int from, int end) {
-    for (int k = from; k < end; ++k) {
-        if (k >= window + kFollowingUnits)
-            window = k;
-    }
-    return window;
-}
-
-// Up to four units of a text from `at` on, the first in the lowest bits; none past the end.
-std::uint64_t unitsFrom(const char16_t* units, int length, int at) {
-    const int count = std::min(kFollowingUnits, length - at);
-    std::uint64_t following = 0;
-    if constexpr (std::endian::native == std::endian::little) {
-        if (count == kFollowingUnits) {
-            std::memcpy(&following, units + at, sizeof following);
-            return following;
-        }
-    }
-    for (int slot = 0; slot < count; ++slot)
-        following |= static_cast<std::uint64_t>(units[at + slot]) << (16 * slot);
-    return following;
-}
-
-// The same from a text kept one byte per character: each byte as the unit it stands for.
-std::uint64_t unitsFrom(const char* bytes, int length, int at) {
-    const int count = std::min(kFollowingUnits, length - at);
-    if constexpr (std::endian::native == std::endian::little) {
-        std::uint32_t four = 0;
-        if (count == kFollowingUnits &&
-            (std::memcpy(&four, bytes + at, sizeof four), (four & 0x80808080u) == 0)) {
-            // Four ASCII bytes, each its own unit: spread into the four 16-bit slots at once.
-            std::uint64_t spread = four;
-            spread = (spread | (spread << 16)) & 0x0000FFFF0000FFFFull;
-            return (spread | (spread << 8)) & 0x00FF00FF00FF00FFull;
-        }
-    }
-    std::uint64_t following = 0;
-    for (int slot = 0; slot < count; ++slot)
-        following |= static_cast<std::uint64_t>(narrow::unitOf(bytes[at + slot])) << (16 * slot);
-    return following;
-}
-
-// For texts of one unit per character, whichever way they are kept.
-std::uint64_t unitsFrom(const SearchableCharacters& text, int at) {
-    return text.isNarrow() ? unitsFrom(text.bytes(), text.size(), at)
-                           : unitsFrom(text.utf16(), text.size(), at);
-}
-
-char16_t unitAt(std::uint64_t following, int slot) {
-    return static_cast<char16_t>(following >> (16 * slot));
-}
-
-// The query characters one refine checks beyond the scan, from `from` on, as single units: only a
-// text of one unit per character can match them that way, and none can when one of them is longer.
-struct FurtherCharacters {
-    FurtherCharacters(const SearchableCharacters& query, int from) : query(query), from(from) {
-        for (int k = from; k < query.size(); ++k) {
-            const QStringView character = query.at(k);
-            if (character.size() != 1) {
-                singleUnits = false;
-                break;
-            }
-            units.push_back(character.front().unicode());
-        }
-    }
-
-    const SearchableCharacters& query;
-    int from;
-    int end = query.size();
-    std::vector<char16_t> units;
-    bool singleUnits = true;
-};
-
-// A text as the scanning and narrowing loops read it.
-struct Text {
-    const ClipboardIndexEntry& entry;
-    int characters;
-    bool oneUnitPerCharacter;
-
-    explicit Text(const ClipboardIndexEntry& entry)
-        : entry(entry), characters(entry.searchableCharacters.size()),
-          oneUnitPerCharacter(entry.searchableCharacters.isOneUnitPerCharacter()) {}
-
-    std::uint64_t unitsFrom(int at) const { return velmora::unitsFrom(entry.searchableCharacters, at); }
-};
-
-// Calls found(at) for each place of `wanted` (a byte of a narrow text, or a unit) in
-// units[0, length), in order.
-template <typename Unit, typename Found>
-void findUnit(const Unit* units, int length, std::make_unsigned_t<Unit> wanted, Found&& found) {
-    static_assert(sizeof(Unit) == 1 || sizeof(Unit) == 2);
-    int i = 0;
-#if defined(__SSE2__)
-    // Sixteen bytes at a time: this pass runs over every text of the history on the first character.
-    constexpr int kPerBlock = 16 / sizeof(Unit);
-    const __m128i pattern = sizeof(Unit) == 1 ? _mm_set1_epi8(static_cast<char>(wanted))
-                                              : _mm_set1_epi16(static_cast<short>(wanted));
-    for (; i + kPerBlock <= length; i += kPerBlock) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
-        auto mask = static_cast<unsigned>(_mm_movemask_epi8(
-            sizeof(Unit) == 1 ? _mm_cmpeq_epi8(block, pattern) : _mm_cmpeq_epi16(block, pattern)));
-        if constexpr (sizeof(Unit) == 2)
-            mask &= 0x5555u; // one bit per byte: keep the low byte's bit of each matching unit
-        for (; mask != 0; mask &= mask - 1)
-            found(i + __builtin_ctz(mask) / static_cast<int>(sizeof(Unit)));
-    }
-#endif
-    for (; i < length; ++i) {
-        if (static_cast<std::make_unsigned_t<Unit>>(units[i]) == wanted)
-            found(i);
-    }
-}
-
-// Appends where `character` occurs in the text, by one pass over it, each position with the units
-// after it.
-template <typename Positions, typename Following>
-void scanFor(const Text& text, QStringView character, Positions& positions, Following& following) {
-    if (!text.oneUnitPerCharacter) {
-        for (int i = 0; i < text.characters; ++i) {
-            if (text.entry.searchableCharacters.equalsAt(i, character)) {
-                positions.push_back(i);
-                following.push_back(0); // positions count characters here, not units: unused
-            }
-        }
-        return;
-    }
-    if (character.size() != 1) // a text of single units never holds a longer character
-        return;
-    const SearchableCharacters& characters = text.entry.searchableCharacters;
-    const auto scan = [&](const auto* units, auto wanted) {
-        findUnit(
-            units, text.characters, wanted, [&](int at) __attribute__((always_inline)) {
-                positions.push_back(at);
-                following.push_back(unitsFrom(units, text.characters, at + 1));
-            });
-    };
-    const char16_t wanted = character.front().unicode();
-    if (!characters.isNarrow())
-        scan(characters.utf16(), wanted);
-    else if (const int byte = narrow::byteOf(wanted); byte >= 0)
-        scan(characters.bytes(), static_cast<unsigned char>(byte));
-}
-
-// Whether the text holds the character anywhere: a scan that stops at the first.
-bool holds(const Text& text, QStringView character) {
-    const SearchableCharacters& characters = text.entry.searchableCharacters;
-    if (!text.oneUnitPerCharacter) {
-        for (int i = 0; i < text.characters; ++i) {
-            if (characters.equalsAt(i, character))
-                return true;
-        }
-        return false;
-    }
-    if (character.size() != 1)
-        return false;
-    const char16_t wanted = character.front().unicode();
-    if (characters.isNarrow()) {
-        const int byte = narrow::byteOf(wanted);
-        return byte >= 0 && std::memchr(characters.bytes(), byte, static_cast<std::size_t>(text.characters));
-    }
-    const char16_t* units = characters.utf16();
-    return std::find(units, units + text.characters, wanted) != units + text.characters;
-}
-
-// Whether the further characters follow at character p of a text with characters of several
-// units, which keeps no units beside its positions.
-inline bool followsByCharacters(const Text& text, const FurtherCharacters& further, int p) {
-    for (int k = further.from; k < further.query.size(); ++k) {
-        if (p + k >= text.characters || !text.entry.searchableCharacters.equalsAt(p + k, further.query.at(k)))
-            return false;
-    }
-    return true;
-}
-
-// Whether the further characters follow at position p of a text of `characters` single units,
-// compared with the units kept beside the position (`following`, from query character `window`
-// on; updated to those the narrowed position keeps). `unitsFrom(at)` reads the text, only when the
-// units kept run out.
-template <typename UnitsFrom>
-inline bool followsAt(int characters, UnitsFrom&& unitsFrom, const FurtherCharacters& further, int p,
-                      int window, std::uint64_t& following) {
-    if (p + further.end > characters) // the text ends before the query does
-        return false;
-    int followingFromCharacter = window;
-    for (int k = further.from; k < further.end; ++k) {
-        if (k >= followingFromCharacter + kFollowingUnits) {
-            following = unitsFrom(p + k);
-            followingFromCharacter = k;
-        }
-        if (unitAt(following, k - followingFromCharacter) != further.units[k - further.from])
-            return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -391,8 +185,9 @@ ClipboardHistoryIndex ClipboardHistoryIndex::refinedFrom(const ClipboardHistoryI
     return result;
 }
 
-// The first character by a scan of every text, then the further ones by narrowing each text's
-// positions.
+// A query of several characters from texts not narrowed yet (the base's, or those of a first
+// character still gathering): the first character by a scan of each text, then the further ones at
+// the positions found.
 void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
     m_followingFrom = windowAfter(kScannedWindow, 1, m_query.size());
     const FurtherCharacters further(m_query, 1);
@@ -406,12 +201,11 @@ void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
             source.prefetchText(i + kPrefetchDistance, true, 0);
         if (hit.isDeleted())
             continue;
-        const Text text(source.entryOf(hit));
+        const IndexedText text(source.entryOf(hit));
         const std::size_t first = m_positions.size();
         scanned.clear();
         scannedFollowing.clear();
-        scanFor(text, character, m_query.size() == 1 ? m_positions : scanned,
-                m_query.size() == 1 ? m_following : scannedFollowing);
+        scanFor(text, character, scanned, scannedFollowing);
         for (std::size_t j = 0; j < scanned.size(); ++j) {
             std::uint64_t following = scannedFollowing[j];
             const bool follows =
@@ -430,8 +224,6 @@ void ClipboardHistoryIndex::scanFrom(const ClipboardHistoryIndex& source) {
             keep(source, hit, first);
         }
     }
-    if (m_query.size() == 1)
-        sortByNextUnit();
 }
 
 // The entries whose character sets hold the first character, read from the sets alone where they
@@ -450,7 +242,7 @@ void ClipboardHistoryIndex::selectByCharacterSet(const ClipboardHistoryIndex& so
         const Entry& entry = source.entryOf(hit);
         // In a text of several units per character, an "e" may be the start of an accented one.
         if (entry.characterSet.mayHold(bit) &&
-            ((decided && hit.oneUnitPerCharacter) || holds(Text(entry), character)))
+            ((decided && hit.oneUnitPerCharacter) || holds(IndexedText(entry), character)))
             keep(source, hit, 0);
     }
     m_prefixLength = 0;
@@ -504,7 +296,7 @@ bool ClipboardHistoryIndex::gatherPositions(std::size_t hits) {
         hit.firstPosition = static_cast<std::uint32_t>(m_positions.size());
         if (hit.isDeleted())
             continue;
-        scanFor(Text(entryOf(hit)), character, m_positions, m_following);
+        scanFor(IndexedText(entryOf(hit)), character, m_positions, m_following);
         m_owners.resize(m_positions.size(), static_cast<std::uint32_t>(m_gathered));
     }
     if (m_gathered < m_hits.size())
@@ -612,7 +404,7 @@ void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
                                          return unitsFrom(source.entryOf(hit).searchableCharacters, at);
                                      },
                                      further, p, window, following)
-                           : followsByCharacters(Text(source.entryOf(hit)), further, p));
+                           : followsByCharacters(IndexedText(source.entryOf(hit)), further, p));
         }
         const bool firstOfHit = follows & (owner != lastOwner);
         keptHits[hits] =
@@ -757,7 +549,7 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
     const auto first = static_cast<std::uint32_t>(m_positions.size());
     if (!m_query.isEmpty()) {
         // Matched before it is stored: an entry this index does not list costs the store nothing.
-        const Text text(entry);
+        const IndexedText text(entry);
         std::vector<int> scanned;
         std::vector<std::uint64_t> following;
         scanFor(text, m_query.at(0), scanned, following);
