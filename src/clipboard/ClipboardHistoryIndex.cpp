@@ -107,27 +107,38 @@ ClipboardHistoryIndex::Hit ClipboardHistoryIndex::hitFor(const Entry& entry, std
     return hit;
 }
 
+ClipboardHistoryIndex::Entry ClipboardHistoryIndex::entryFor(ItemInfo item) {
+    return Entry{item.id, SearchableCharacters(std::move(item.searchableText), kKeptNarrow)};
+}
+
 ClipboardHistoryIndex ClipboardHistoryIndex::base(std::vector<ItemInfo> itemsNewestFirst) {
+    std::vector<Entry> entries;
+    entries.reserve(itemsNewestFirst.size());
+    for (ItemInfo& item : itemsNewestFirst)
+        entries.push_back(entryFor(std::move(item)));
+    return fromEntries(std::move(entries));
+}
+
+ClipboardHistoryIndex ClipboardHistoryIndex::fromEntries(std::vector<Entry> entriesNewestFirst) {
     ClipboardHistoryIndex index;
     index.m_store = std::make_shared<ClipboardIndexEntryStore>();
     index.m_spare = std::make_shared<SpareLists>();
-    std::vector<ItemInfo*> kept;
-    kept.reserve(itemsNewestFirst.size());
+    std::vector<Entry*> kept;
+    kept.reserve(entriesNewestFirst.size());
     QSet<QUuid> seen;
-    seen.reserve(static_cast<qsizetype>(itemsNewestFirst.size()));
-    for (ItemInfo& item : itemsNewestFirst) {
-        if (seen.contains(item.id)) {
-            qCWarning(lcClipboard) << "Clipboard entry" << item.id
+    seen.reserve(static_cast<qsizetype>(entriesNewestFirst.size()));
+    for (Entry& entry : entriesNewestFirst) {
+        if (seen.contains(entry.id)) {
+            qCWarning(lcClipboard) << "Clipboard entry" << entry.id
                                    << "is listed twice; only its newest is indexed";
             continue;
         }
-        seen.insert(item.id);
-        kept.push_back(&item);
+        seen.insert(entry.id);
+        kept.push_back(&entry);
     }
     index.m_hits.reserve(kept.size());
     for (auto it = kept.rbegin(); it != kept.rend(); ++it)
-        index.append(Entry{(*it)->id, SearchableCharacters(std::move((*it)->searchableText), kKeptNarrow)},
-                     0);
+        index.append(std::move(**it), 0);
     return index;
 }
 
@@ -545,7 +556,7 @@ bool ClipboardHistoryIndex::insertNewest(ItemInfo item) {
                                << "is already in the search index; not added again";
         return false;
     }
-    Entry entry{item.id, SearchableCharacters(std::move(item.searchableText), kKeptNarrow)};
+    Entry entry = entryFor(std::move(item));
     const auto first = static_cast<std::uint32_t>(m_positions.size());
     if (!m_query.isEmpty()) {
         // Matched before it is stored: an entry this index does not list costs the store nothing.

@@ -61,6 +61,11 @@ public:
     // Items newest first; the index keeps that order. A repeated id is logged and only its newest
     // occurrence indexed.
     static ClipboardHistoryIndex base(std::vector<ItemInfo> itemsNewestFirst);
+    // The same from entries made one by one (entryFor) as their texts are read: each text is
+    // narrowed while it is the newest allocation, so a long history does not leave the wide
+    // texts' memory behind as holes between the narrow ones.
+    static ClipboardHistoryIndex fromEntries(std::vector<Entry> entriesNewestFirst);
+    static Entry entryFor(ItemInfo item);
 
     // The entries of this index that contain lowerCasedQuery. The query must extend this index's
     // query character by character (see canBeRefinedTo); otherwise this is logged and an unchanged

@@ -7,6 +7,8 @@ namespace velmora {
 ClipboardHistorySearch::ClipboardHistorySearch(std::vector<ClipboardHistoryIndex::ItemInfo> itemsNewestFirst)
     : m_base(ClipboardHistoryIndex::base(std::move(itemsNewestFirst))) {}
 
+ClipboardHistorySearch::ClipboardHistorySearch(ClipboardHistoryIndex base) : m_base(std::move(base)) {}
+
 void ClipboardHistorySearch::setText(const QString& text) {
     if (text.isEmpty()) {
         m_search.reset();

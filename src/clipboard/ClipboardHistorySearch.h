@@ -17,6 +17,7 @@ namespace velmora {
 class ClipboardHistorySearch {
 public:
     explicit ClipboardHistorySearch(std::vector<ClipboardHistoryIndex::ItemInfo> itemsNewestFirst = {});
+    explicit ClipboardHistorySearch(ClipboardHistoryIndex base);
 
     // The search field's text as typed; empty lists every entry.
     void setText(const QString& text);

@@ -61,8 +61,8 @@ private:
 
 } // namespace
 
-std::vector<ClipboardHistoryIndex::ItemInfo> loadSearchItems(const QString& storePath, QString* error) {
-    std::vector<ClipboardHistoryIndex::ItemInfo> items;
+std::vector<ClipboardHistoryIndex::Entry> loadSearchEntries(const QString& storePath, QString* error) {
+    std::vector<ClipboardHistoryIndex::Entry> items;
     const QString name = "velmora-search-" + QUuid::createUuid().toString(QUuid::WithoutBraces);
     {
         QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", name);
@@ -82,7 +82,7 @@ std::vector<ClipboardHistoryIndex::ItemInfo> loadSearchItems(const QString& stor
             } else {
                 SearchTextBuilder builder(storePath);
                 while (query.next())
-                    items.push_back(builder.build(query));
+                    items.push_back(ClipboardHistoryIndex::entryFor(builder.build(query)));
             }
             query.finish();
             db.close();

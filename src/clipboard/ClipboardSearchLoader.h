@@ -8,10 +8,10 @@
 
 namespace velmora {
 
-// The searchable text of every stored entry, newest first, read through a connection of its own so
-// that it can run on a worker thread while the agent keeps using the store. Empty, with the reason
-// in *error, when the store cannot be read.
-std::vector<ClipboardHistoryIndex::ItemInfo> loadSearchItems(const QString& storePath, QString* error);
+// Every stored entry as the search index keeps it, newest first, read through a connection of its
+// own so that it can run on a worker thread while the agent keeps using the store. Empty, with the
+// reason in *error, when the store cannot be read.
+std::vector<ClipboardHistoryIndex::Entry> loadSearchEntries(const QString& storePath, QString* error);
 
 // The search item of one entry. Very long texts are searched by their beginning only, so that one
 // copied book does not hold megabytes of index.

@@ -38,12 +38,13 @@ void ClipboardSearchModel::start() {
         QElapsedTimer timer;
         timer.start();
         QString error;
-        auto items = loadSearchItems(path, &error);
+        auto items = loadSearchEntries(path, &error);
         if (!error.isEmpty())
             qCWarning(lcClipboard).noquote()
                 << "The clipboard history could not be read for searching:" << error;
         const std::size_t count = items.size();
-        auto search = std::make_shared<ClipboardHistorySearch>(std::move(items));
+        auto search =
+            std::make_shared<ClipboardHistorySearch>(ClipboardHistoryIndex::fromEntries(std::move(items)));
         qCInfo(lcClipboard) << "Search index read:" << count << "entries in" << timer.elapsed() << "ms";
         return search;
     }));
@@ -96,8 +97,12 @@ std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& tex
 void ClipboardSearchModel::gatherSlice() {
     // About a millisecond of texts read, on a history of ~200-character entries.
     constexpr std::size_t kHitsPerSlice = 4096;
-    if (m_search.prepareNextCharacter(kHitsPerSlice))
-        m_gathering.stop();
+    if (!m_search.prepareNextCharacter(kHitsPerSlice))
+        return;
+    m_gathering.stop();
+    // The lists grew by doubling as they were gathered: what they outgrew goes back to the system
+    // rather than staying with the agent while the window is open.
+    releaseFreedMemory();
 }
 
 std::vector<QUuid> ClipboardSearchModel::find(const QString& text) const {
