@@ -60,10 +60,7 @@ std::uint64_t CharacterSet::bitOf(QStringView character) {
 }
 
 bool CharacterSet::decides(QStringView character) {
-    if (character.size() != 1)
-        return false;
-    const char16_t unit = character.front().unicode();
-    return (unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9') || unit == u' ';
+    return character.size() == 1 && bitOfUnit(character.front().unicode()) < (std::uint64_t{1} << kOwnBits);
 }
 
 } // namespace velmora

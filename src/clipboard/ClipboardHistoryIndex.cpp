@@ -267,9 +267,9 @@ int ClipboardHistoryIndex::nextWindow() const {
 }
 
 bool ClipboardHistoryIndex::prepareNextWindow(std::size_t positions) {
-    if (m_query.isEmpty() || positionsPending() || nextWindow() == m_followingFrom)
-        return true;
     const int window = nextWindow();
+    if (m_query.isEmpty() || positionsPending() || window == m_followingFrom)
+        return true;
     const std::size_t count = m_positions.size(); // captures meanwhile add positions: read them too
     m_nextFollowing.resize(count);
     const std::size_t end = m_prepared + std::min(positions, count - m_prepared);

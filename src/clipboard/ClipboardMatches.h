@@ -17,7 +17,6 @@ struct ClipboardMatches {
     std::function<std::vector<QUuid>(std::size_t from, std::size_t count)> page;
 
     std::size_t size() const { return count; }
-    std::vector<QUuid> all() const { return page ? page(0, count) : std::vector<QUuid>(); }
 };
 
 } // namespace velmora

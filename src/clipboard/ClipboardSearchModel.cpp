@@ -20,8 +20,8 @@ ClipboardSearchModel::ClipboardSearchModel(AppModelContainer& store, QObject* pa
     connect(&m_store, &AppModelContainer::allRemoved, this, [this] { record(Cleared{}); });
     connect(&m_loading, &QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>>::finished, this,
             &ClipboardSearchModel::loaded);
-    m_gathering.setInterval(0);
-    connect(&m_gathering, &QTimer::timeout, this, &ClipboardSearchModel::gatherSlice);
+    m_preparing.setInterval(0);
+    connect(&m_preparing, &QTimer::timeout, this, &ClipboardSearchModel::prepareSlice);
 }
 
 ClipboardSearchModel::~ClipboardSearchModel() {
@@ -86,7 +86,7 @@ std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& tex
     // them instead of faulting in fresh pages, which costs more than the search itself.
     m_search.setText(text);
     if (!m_search.prepareNextCharacter(0))
-        m_gathering.start();
+        m_preparing.start();
     if (!m_search.isFiltering())
         return std::nullopt;
     return ClipboardMatches{m_search.matchCount(), [this](std::size_t from, std::size_t count) {
@@ -94,12 +94,12 @@ std::optional<ClipboardMatches> ClipboardSearchModel::setText(const QString& tex
                             }};
 }
 
-void ClipboardSearchModel::gatherSlice() {
+void ClipboardSearchModel::prepareSlice() {
     // About a millisecond of texts read, on a history of ~200-character entries.
     constexpr std::size_t kHitsPerSlice = 4096;
     if (!m_search.prepareNextCharacter(kHitsPerSlice))
         return;
-    m_gathering.stop();
+    m_preparing.stop();
     // The lists grew by doubling as they were gathered: what they outgrew goes back to the system
     // rather than staying with the agent while the window is open.
     releaseFreedMemory();

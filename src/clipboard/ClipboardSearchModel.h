@@ -54,7 +54,7 @@ private:
     void apply(const Change& change);
     void record(Change change);
     void loaded();
-    void gatherSlice();
+    void prepareSlice();
 
     AppModelContainer& m_store;
     ClipboardHistorySearch m_search;
@@ -65,7 +65,7 @@ private:
     QFutureWatcher<std::shared_ptr<ClipboardHistorySearch>> m_loading;
     // What makes the next character quick, done a slice at a time while the user has not typed on:
     // each slice is short enough that a keystroke waits for it no longer than for a frame.
-    QTimer m_gathering;
+    QTimer m_preparing;
 };
 
 } // namespace velmora
