@@ -104,13 +104,14 @@ void ClipboardHistoryRowDelegate::paint(QPainter* painter, const QStyleOptionVie
             right = icon.left() - kPad;
         }
         drawText(painter, QRect(textLeft, r.top(), right - textLeft, r.height()), clipboardRowText(*e, 1),
-                 opt.font, textColor, opt, 1);
+                 opt.font, textColor, opt, 1, [&] { return clipboardRowSnippet(*e, m_query(), 1); });
     } else {
         const QRect textRect(textLeft, r.top(), r.right() - textLeft,
                              r.height() - detailMetrics.height() - 2);
         const QString detail = clipboardRowDetail(*e);
-        drawText(painter, textRect, clipboardRowText(*e, detail.isEmpty() ? kTextLines : 1), opt.font,
-                 textColor, opt, detail.isEmpty() ? kTextLines : 1);
+        const int lines = detail.isEmpty() ? kTextLines : 1;
+        drawText(painter, textRect, clipboardRowText(*e, lines), opt.font, textColor, opt, lines,
+                 [&] { return clipboardRowSnippet(*e, m_query(), lines); });
         if (!detail.isEmpty()) {
             painter->setFont(detailFont);
             painter->setPen(dim);
@@ -142,7 +143,8 @@ void ClipboardHistoryRowDelegate::paint(QPainter* painter, const QStyleOptionVie
 
 void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect, const QString& text,
                                            const QFont& font, const QColor& color,
-                                           const QStyleOptionViewItem& option, int maxLines) const {
+                                           const QStyleOptionViewItem& option, int maxLines,
+                                           const std::function<QString()>& snippet) const {
     const QFontMetrics metrics(font);
     QList<QTextLayout::FormatRange> marks;
     if (const QString query = m_query(); !query.isEmpty()) {
@@ -175,6 +177,13 @@ void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect,
         shownUpTo = line.textStart() + line.textLength();
     }
     layout.endLayout();
+    // A match the first lines do not reach is shown in its own lines instead: the row says why it
+    // is in the results.
+    const bool matchHidden = !m_query().isEmpty() && (marks.isEmpty() || marks.front().start >= shownUpTo);
+    if (matchHidden && snippet) {
+        if (const QString around = snippet(); !around.isEmpty())
+            return drawText(painter, rect, around, font, color, option, maxLines, {});
+    }
     const int top =
         maxLines == 1 && m_compact() ? rect.top() + (rect.height() - metrics.height()) / 2 : rect.top();
     painter->save();

@@ -130,6 +130,29 @@ TEST(ClipboardHistoryWindow, AnEmptyHistorySaysSo) {
     EXPECT_TRUE(w.fake.pasteboard->written.empty());
 }
 
+TEST(ClipboardRowText, AMatchPastTheFirstLinesIsShownInItsContext) {
+    SimpleClipboardItem e;
+    e.plainText = "Dear team,\n\nthe numbers are in.\nThe WEATHER report for Monday\nends here";
+    // From the line of the first match, whatever its case.
+    EXPECT_EQ(clipboardRowSnippet(e, "weather", 2),
+              QString::fromUtf8("…The WEATHER report for Monday\nends here"));
+    // A match the first lines show, none in the text (the entry matched by its application) and a
+    // match only by a lone accent's base letter: nothing to show instead.
+    EXPECT_EQ(clipboardRowSnippet(e, "dear", 2), "");
+    EXPECT_EQ(clipboardRowSnippet(e, "firefox", 2), "");
+    e.plainText = QString::fromUtf8("cafe\u0301 and more\ncafe\u0301");
+    EXPECT_EQ(clipboardRowSnippet(e, "cafe", 2), "");
+
+    // Deep into a long line: a word or so before the match, and never half a character.
+    const QString words = QString("lorem ipsum ").repeated(40);
+    e.plainText = words + "needle";
+    EXPECT_EQ(clipboardRowSnippet(e, "needle", 1), QString::fromUtf8("…ipsum lorem ipsum needle"));
+    e.plainText = QString("x").repeated(201) + QString::fromUtf8("😀").repeated(20) + "needle";
+    const QString emoji = clipboardRowSnippet(e, "NEEDLE", 1);
+    EXPECT_TRUE(emoji.endsWith("needle"));
+    EXPECT_FALSE(emoji.at(1).isLowSurrogate());
+}
+
 TEST(ClipboardRowText, WhitespaceStaysVisibleAndAgesReadNaturally) {
     SimpleClipboardItem e;
     e.plainText = "\n\n  first\tline  \n\n\nsecond\nthird";
