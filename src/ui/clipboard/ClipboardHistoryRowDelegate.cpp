@@ -177,9 +177,10 @@ void ClipboardHistoryRowDelegate::drawText(QPainter* painter, const QRect& rect,
         shownUpTo = line.textStart() + line.textLength();
     }
     layout.endLayout();
-    // A match the first lines do not reach is shown in its own lines instead: the row says why it
-    // is in the results.
-    const bool matchHidden = !m_query().isEmpty() && (marks.isEmpty() || marks.front().start >= shownUpTo);
+    // A match the first lines do not show whole is shown in its own lines instead: the row says why
+    // it is in the results.
+    const bool matchHidden =
+        !m_query().isEmpty() && (marks.isEmpty() || marks.front().start + marks.front().length > shownUpTo);
     if (matchHidden && snippet) {
         if (const QString around = snippet(); !around.isEmpty())
             return drawText(painter, rect, around, font, color, option, maxLines, {});
