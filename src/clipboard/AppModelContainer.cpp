@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 #include <QSqlError>
 
@@ -712,20 +713,43 @@ std::optional<SimpleClipboardItem> AppModelContainer::item(const QUuid& id) cons
 }
 
 std::vector<SimpleClipboardItem> AppModelContainer::itemsWithIds(const std::vector<QUuid>& ids) const {
-    std::vector<SimpleClipboardItem> result;
+    // A statement per page of ids, not per id: the history window reads a page of a search's
+    // results at each keystroke, and twenty look-ups took a millisecond.
+    constexpr qsizetype kIdsPerStatement = 20;
+    static const QString sql =
+        selectItemSql(QStringLiteral("WHERE id IN (%1)")
+                          .arg(QStringList(kIdsPerStatement, QStringLiteral("?")).join(u", ")));
+    QHash<QUuid, SimpleClipboardItem> found;
     QString error;
+    for (std::size_t from = 0; from < ids.size() && error.isEmpty(); from += kIdsPerStatement) {
+        QSqlQuery* query = statement(sql, &error);
+        if (!query)
+            break;
+        for (qsizetype k = 0; k < kIdsPerStatement; ++k) {
+            const std::size_t i = from + std::size_t(k);
+            // An empty id stands for none: no entry has one.
+            query->bindValue(int(k), i < ids.size() ? ClipboardItemRow::idText(ids[i]) : QString());
+        }
+        if (!query->exec())
+            error = query->lastError().text();
+        while (query->next()) {
+            ClipboardItemRow row = ClipboardItemRow::read(*query);
+            if (row.plainTextFile) {
+                if (const auto text = readExternal(*row.plainTextFile))
+                    row.item.plainText = QString::fromUtf8(*text);
+            }
+            const QUuid id = row.item.id;
+            found.insert(id, std::move(row.item));
+        }
+        query->finish();
+    }
+    if (!error.isEmpty())
+        qCWarning(lcClipboard).noquote() << QStringLiteral("itemsWithIds(): %1").arg(error);
+    std::vector<SimpleClipboardItem> result;
+    result.reserve(std::size_t(found.size()));
     for (const QUuid& id : ids) {
-        auto found = row(id, &error);
-        if (!found) {
-            if (!error.isEmpty())
-                qCWarning(lcClipboard).noquote() << QStringLiteral("itemsWithIds(): %1").arg(error);
-            continue;
-        }
-        if (found->plainTextFile) {
-            if (const auto text = readExternal(*found->plainTextFile))
-                found->item.plainText = QString::fromUtf8(*text);
-        }
-        result.push_back(std::move(found->item));
+        if (auto it = found.find(id); it != found.end())
+            result.push_back(*it);
     }
     return result;
 }

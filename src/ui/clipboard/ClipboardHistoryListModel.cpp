@@ -14,6 +14,8 @@ ClipboardHistoryListModel::ClipboardHistoryListModel(AppModelContainer& store, Q
         m_rowCache.clear();
         reload();
     });
+    m_readingAhead.setInterval(0);
+    connect(&m_readingAhead, &QTimer::timeout, this, &ClipboardHistoryListModel::readAheadSlice);
     reload();
 }
 
@@ -28,6 +30,9 @@ void ClipboardHistoryListModel::reload() {
     m_exhausted = false;
     endResetModel();
     fetchMore({});
+    m_readAheadFrom = int(m_rows.size());
+    if (!m_exhausted)
+        m_readingAhead.start();
 }
 
 int ClipboardHistoryListModel::rowCount(const QModelIndex& parent) const {
@@ -49,6 +54,8 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
     } else {
         page = m_store.items(kPageSize, int(m_rows.size()));
         m_exhausted = page.size() < std::size_t(kPageSize);
+        for (const SimpleClipboardItem& item : page) // a first character lists mostly the newest
+            m_rowCache.insert(item.id, new SimpleClipboardItem(item));
     }
     if (page.empty())
         return;
@@ -58,7 +65,15 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
 }
 
 std::vector<SimpleClipboardItem> ClipboardHistoryListModel::rowsWithIds(const std::vector<QUuid>& ids) {
-    // A query that grows mostly lists entries it listed a keystroke ago: they are not read again.
+    cacheRows(ids);
+    std::vector<SimpleClipboardItem> rows;
+    for (const QUuid& id : ids)
+        if (const SimpleClipboardItem* cached = m_rowCache.object(id))
+            rows.push_back(*cached);
+    return rows;
+}
+
+void ClipboardHistoryListModel::cacheRows(const std::vector<QUuid>& ids) {
     std::vector<QUuid> missing;
     for (const QUuid& id : ids)
         if (!m_rowCache.contains(id))
@@ -67,11 +82,30 @@ std::vector<SimpleClipboardItem> ClipboardHistoryListModel::rowsWithIds(const st
         const QUuid id = item.id;
         m_rowCache.insert(id, new SimpleClipboardItem(std::move(item)));
     }
-    std::vector<SimpleClipboardItem> rows;
-    for (const QUuid& id : ids)
-        if (const SimpleClipboardItem* cached = m_rowCache.object(id))
-            rows.push_back(*cached);
-    return rows;
+}
+
+void ClipboardHistoryListModel::readAheadSlice() {
+    const int end = int(m_rows.size()) + kReadAhead;
+    if (m_readAheadFrom >= end) {
+        m_readingAhead.stop();
+        return;
+    }
+    const int count = std::min(kReadAheadSlice, end - m_readAheadFrom);
+    std::size_t read = 0;
+    if (m_filter) {
+        const auto ids = m_filter->page(std::size_t(m_readAheadFrom), std::size_t(count));
+        cacheRows(ids);
+        read = ids.size();
+    } else {
+        for (SimpleClipboardItem& item : m_store.items(count, m_readAheadFrom)) {
+            const QUuid id = item.id;
+            m_rowCache.insert(id, new SimpleClipboardItem(std::move(item)));
+            ++read;
+        }
+    }
+    m_readAheadFrom += count;
+    if (read < std::size_t(count))
+        m_readingAhead.stop();
 }
 
 const SimpleClipboardItem* ClipboardHistoryListModel::entry(int row) const {

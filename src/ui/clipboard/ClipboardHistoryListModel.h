@@ -6,6 +6,7 @@
 #include <QAbstractListModel>
 #include <QCache>
 #include <QImage>
+#include <QTimer>
 #include <QUuid>
 
 #include <optional>
@@ -17,11 +18,16 @@ class AppModelContainer;
 
 // The history window's rows, newest first, read from the store a page at a time as the list scrolls
 // (never the whole store). With a filter the rows are the given ids, read a page at a time as well.
-// Follows captures and deletions while it lives.
+// Follows captures and deletions while it lives. While the user reads or types, the rows after
+// those listed are read ahead into a cache: a query one character longer lists mostly entries the
+// shorter one listed a little further down, and reading a row (its text is a file of its own) costs
+// tens of microseconds.
 class ClipboardHistoryListModel : public QAbstractListModel {
     Q_OBJECT
 public:
     static constexpr int kPageSize = 20;
+    static constexpr int kReadAhead = 200; // rows after the first page
+    static constexpr int kReadAheadSlice = 10;
     enum Role { EntryRole = Qt::UserRole, ThumbnailRole, SourceIconRole };
 
     explicit ClipboardHistoryListModel(AppModelContainer& store, QObject* parent = nullptr);
@@ -49,6 +55,8 @@ private:
     QImage image(const QUuid& id, const QString& kind) const;
     QImage sourceIcon(const QByteArray& png) const;
     std::vector<SimpleClipboardItem> rowsWithIds(const std::vector<QUuid>& ids);
+    void cacheRows(const std::vector<QUuid>& ids);
+    void readAheadSlice();
 
     AppModelContainer& m_store;
     std::optional<ClipboardMatches> m_filter;
@@ -56,6 +64,8 @@ private:
     bool m_exhausted = false;
     mutable QCache<QString, QImage> m_images{200};
     QCache<QUuid, SimpleClipboardItem> m_rowCache{1000};
+    QTimer m_readingAhead;
+    int m_readAheadFrom = 0;
 };
 
 } // namespace velmora

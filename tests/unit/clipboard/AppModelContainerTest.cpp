@@ -116,6 +116,25 @@ TEST_F(AppModelContainerTest, ListsNewestFirstWithTiesInStoringOrder) {
     EXPECT_FALSE(store->item(first.id));
 }
 
+TEST_F(AppModelContainerTest, ItemsWithIdsComeInTheOrderAskedWithoutTheGoneOnes) {
+    auto store = openStore();
+    std::vector<QUuid> ids;
+    for (int i = 0; i < 45; ++i) { // more than one statement reads
+        SimpleClipboardItem item = textItem(i, QStringLiteral("entry %1").arg(i));
+        ASSERT_TRUE(store->persistItem(item));
+        ids.push_back(item.id);
+    }
+    std::vector<QUuid> asked{ids[44], QUuid::createUuid(), ids[3]};
+    for (int i = 43; i >= 4; --i)
+        asked.push_back(ids[std::size_t(i)]);
+    const auto found = store->itemsWithIds(asked);
+    ASSERT_EQ(found.size(), asked.size() - 1);
+    EXPECT_EQ(found[0].plainText, QStringLiteral("entry 44"));
+    EXPECT_EQ(found[1].plainText, QStringLiteral("entry 3"));
+    EXPECT_EQ(found.back().plainText, QStringLiteral("entry 4"));
+    EXPECT_TRUE(store->itemsWithIds({}).empty());
+}
+
 TEST_F(AppModelContainerTest, ItemDeletionCascadesAndPayloadDeletionLeavesTheItem) {
     auto store = openStore();
     SimpleClipboardItem keep = imageItem(1, QByteArray("png one"));
