@@ -6,6 +6,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace velmora {
 
@@ -165,7 +166,41 @@ bool ClipboardHistoryIndex::canBeRefinedTo(const QString& lowerCasedQuery) const
     return isPrefixOf(SearchableCharacters(lowerCasedQuery));
 }
 
-ClipboardHistoryIndex ClipboardHistoryIndex::refined(const QString& lowerCasedQuery) const {
+ClipboardHistoryIndex ClipboardHistoryIndex::refined(const QString& lowerCasedQuery) && {
+    SearchableCharacters query(lowerCasedQuery);
+    if (!isPrefixOf(query) || !everyPositionFollows(query))
+        return std::as_const(*this).refined(lowerCasedQuery);
+    ClipboardHistoryIndex result(std::move(*this));
+    result.m_query = std::move(query);
+    result.m_prefixLength = result.m_query.size();
+    result.forgetNextWindow(); // read for the character after the shorter query
+    return result;
+}
+
+bool ClipboardHistoryIndex::everyPositionFollows(const SearchableCharacters& query) const {
+    // A first character's index keeps lists of its own (m_byNextUnit); deleted hits and texts of
+    // several units per character need more than the units kept.
+    if (m_query.size() < 2 || query.size() == m_query.size() || positionsPending() || m_live != m_hits.size())
+        return false;
+    const KeptUnitsPattern kept(FurtherCharacters(query, m_query.size()), m_followingFrom);
+    if (!kept.applies || kept.anyNull)
+        return false;
+    // In blocks, so that a position that is not followed ends the look early, and without a branch
+    // per position within one.
+    constexpr std::size_t kBlock = 1024;
+    const std::uint64_t* following = m_following.data();
+    const std::size_t count = m_following.size();
+    for (std::size_t from = 0; from < count; from += kBlock) {
+        std::uint64_t differs = 0;
+        for (std::size_t j = from; j < std::min(count, from + kBlock); ++j)
+            differs |= (following[j] & kept.mask) ^ kept.pattern;
+        if (differs != 0)
+            return false;
+    }
+    return std::all_of(m_hits.begin(), m_hits.end(), [](const Hit& hit) { return hit.oneUnitPerCharacter; });
+}
+
+ClipboardHistoryIndex ClipboardHistoryIndex::refined(const QString& lowerCasedQuery) const& {
     SearchableCharacters query(lowerCasedQuery);
     if (!isPrefixOf(query)) {
         qCWarning(lcClipboard) << "Search index for" << this->query() << "cannot be narrowed to"
@@ -353,13 +388,10 @@ void ClipboardHistoryIndex::narrowFrom(const ClipboardHistoryIndex& source) {
     const int window = source.m_followingFrom;
     m_followingFrom = windowAfter(window, further.from, further.end);
     // The usual case, a character or a few typed: compared with the units kept, all at once.
-    const bool inKeptUnits = further.singleUnits && further.end <= window + kFollowingUnits;
-    std::uint64_t mask = 0;
-    std::uint64_t pattern = 0;
-    for (int k = further.from; inKeptUnits && k < further.end; ++k) {
-        mask |= std::uint64_t{0xFFFF} << (16 * (k - window));
-        pattern |= static_cast<std::uint64_t>(further.units[k - further.from]) << (16 * (k - window));
-    }
+    const KeptUnitsPattern inKept(further, window);
+    const bool inKeptUnits = inKept.applies;
+    const std::uint64_t mask = inKept.mask;
+    const std::uint64_t pattern = inKept.pattern;
     const bool readsTexts = !inKeptUnits && further.singleUnits;
     const std::size_t count = source.m_positions.size();
     // After the first character, only the positions followed by the second one's unit are read

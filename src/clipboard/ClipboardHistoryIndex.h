@@ -70,7 +70,10 @@ public:
     // The entries of this index that contain lowerCasedQuery. The query must extend this index's
     // query character by character (see canBeRefinedTo); otherwise this is logged and an unchanged
     // copy returned. Any query refines the base index.
-    ClipboardHistoryIndex refined(const QString& lowerCasedQuery) const;
+    ClipboardHistoryIndex refined(const QString& lowerCasedQuery) const&;
+    // The same from an index let go: where the added characters follow every position (the rest of
+    // a word being typed), its lists become the result's without being read or copied.
+    ClipboardHistoryIndex refined(const QString& lowerCasedQuery) &&;
     // Whether this index's query characters begin lowerCasedQuery's. "e" does not begin "e" followed
     // by a combining accent, although the strings do: that is one other character.
     bool canBeRefinedTo(const QString& lowerCasedQuery) const;
@@ -127,6 +130,8 @@ private:
     const Entry& entryOf(const Hit& hit) const { return m_chunks.entry(hit.entry); }
     static ClipboardHistoryIndex refinedFrom(const ClipboardHistoryIndex& source, SearchableCharacters query);
     bool isPrefixOf(const SearchableCharacters& query) const;
+    // Whether query's further characters follow every position, by the units kept beside them.
+    bool everyPositionFollows(const SearchableCharacters& query) const;
     std::optional<std::size_t> find(const QUuid& id) const;
     std::uint32_t endOfPositions(std::size_t hit) const;
     // Stores the entry and lists it last, its positions from firstPosition on.

@@ -19,7 +19,7 @@ void ClipboardHistorySearch::setText(const QString& text) {
     if (m_search && m_search->query() == query)
         return;
     if (m_search && m_search->canBeRefinedTo(query))
-        m_search = m_search->refined(query);
+        m_search = std::move(*m_search).refined(query);
     else
         m_search = m_base.refined(query);
 }

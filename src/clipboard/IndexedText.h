@@ -103,6 +103,26 @@ struct FurtherCharacters {
     bool singleUnits = true;
 };
 
+// The further characters as they read in the units kept beside a position from `window` on: where
+// they all lie there, a position is followed by them when (following & mask) == pattern.
+struct KeptUnitsPattern {
+    KeptUnitsPattern(const FurtherCharacters& further, int window)
+        : applies(further.singleUnits && further.end <= window + kFollowingUnits) {
+        for (int k = further.from; applies && k < further.end; ++k) {
+            const char16_t unit = further.units[static_cast<std::size_t>(k - further.from)];
+            mask |= std::uint64_t{0xFFFF} << (16 * (k - window));
+            pattern |= static_cast<std::uint64_t>(unit) << (16 * (k - window));
+            anyNull |= unit == 0;
+        }
+    }
+
+    bool applies;
+    std::uint64_t mask = 0;
+    std::uint64_t pattern = 0;
+    // Units past a text's end read as 0: a pattern without one cannot match there.
+    bool anyNull = false;
+};
+
 // A text as the scanning and narrowing loops read it.
 struct IndexedText {
     const ClipboardIndexEntry& entry;

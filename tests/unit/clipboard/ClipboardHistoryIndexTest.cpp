@@ -116,6 +116,29 @@ TEST(ClipboardHistoryIndex, RefiningKeepsTheEntriesThatContainTheQueryWithTheirP
     EXPECT_EQ(found(words, abcde.refined("abcdexyz")), (std::vector<std::size_t>{1}));
 }
 
+TEST(ClipboardHistoryIndex, AnIndexLetGoGivesItsListsToARefineThatKeepsEveryPosition) {
+    const std::vector<ItemInfo> items{item("weather report"), item("the weather"), item("west")};
+    const auto base = ClipboardHistoryIndex::base(items);
+    auto wea = base.refined("wea");
+    const int* lists = wea.positions(items[0].id).data();
+    auto weath = std::move(wea).refined("weath");
+    EXPECT_EQ(weath.positions(items[0].id).data(), lists) << "every \"wea\" goes on as \"weath\"";
+    EXPECT_EQ(found(items, weath), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(weath.query(), QStringLiteral("weath"));
+    // Its captures and deletions are its own from there on.
+    EXPECT_TRUE(weath.insertNewest(item("weathering")));
+    EXPECT_TRUE(weath.remove(items[1].id));
+    EXPECT_EQ(weath.size(), 2u);
+    // Where a deleted entry's positions are left, or a unit past a text's end could match, it is
+    // narrowed as usual.
+    auto weather = std::move(weath).refined("weather");
+    EXPECT_EQ(weather.size(), 2u);
+    const std::vector<ItemInfo> ended{item("xwea"), item(QString::fromUtf16(u"xwea\0", 5))};
+    auto xwea = ClipboardHistoryIndex::base(ended).refined("xwea");
+    EXPECT_EQ(found(ended, std::move(xwea).refined(QString::fromUtf16(u"xwea\0", 5))),
+              (std::vector<std::size_t>{1}));
+}
+
 TEST(ClipboardHistoryIndex, RefusesAQueryThatDoesNotExtendItsOwn) {
     const std::vector<ItemInfo> items{item("ab"), item("ac"), item("e\u0301")};
     const auto a = ClipboardHistoryIndex::base(items).refined("a");
@@ -314,7 +337,10 @@ TEST(ClipboardHistoryIndex, AgreesWithABruteForceSearchForLongQueries) {
         ClipboardHistoryIndex index = base;
         for (qsizetype typed = 1; typed <= query.size(); typed += 1 + static_cast<qsizetype>(random() % 3)) {
             const QString prefix = query.left(typed);
-            index = index.canBeRefinedTo(prefix) ? index.refined(prefix) : base.refined(prefix);
+            // Half the rounds let the index go, as the window does, so that its lists may be reused.
+            index = !index.canBeRefinedTo(prefix) ? base.refined(prefix)
+                    : round % 2 == 0              ? std::move(index).refined(prefix)
+                                                  : index.refined(prefix);
             expectAgreesWithHistory(index, oldestFirst);
             if (index.isEmpty())
                 break;
