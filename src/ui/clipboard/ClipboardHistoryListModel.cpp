@@ -30,7 +30,12 @@ void ClipboardHistoryListModel::reload() {
     m_exhausted = false;
     endResetModel();
     fetchMore({});
+    m_readingAhead.stop();
     m_readAheadFrom = int(m_rows.size());
+}
+
+void ClipboardHistoryListModel::readAhead() {
+    m_readAheadFrom = std::max(m_readAheadFrom, int(m_rows.size()));
     if (!m_exhausted)
         m_readingAhead.start();
 }
@@ -54,8 +59,8 @@ void ClipboardHistoryListModel::fetchMore(const QModelIndex& parent) {
     } else {
         page = m_store.items(kPageSize, int(m_rows.size()));
         m_exhausted = page.size() < std::size_t(kPageSize);
-        for (const SimpleClipboardItem& item : page) // a first character lists mostly the newest
-            m_rowCache.insert(item.id, new SimpleClipboardItem(item));
+        for (SimpleClipboardItem& item : page) // a first character lists mostly the newest
+            cache(item);
     }
     if (page.empty())
         return;
@@ -78,10 +83,19 @@ void ClipboardHistoryListModel::cacheRows(const std::vector<QUuid>& ids) {
     for (const QUuid& id : ids)
         if (!m_rowCache.contains(id))
             missing.push_back(id);
-    for (auto& item : m_store.itemsWithIds(missing)) {
-        const QUuid id = item.id;
-        m_rowCache.insert(id, new SimpleClipboardItem(std::move(item)));
+    for (SimpleClipboardItem& item : m_store.itemsWithIds(missing))
+        cache(item);
+}
+
+void ClipboardHistoryListModel::cache(SimpleClipboardItem& item) {
+    // Most rows carry one of a few applications' icons: those cached share one copy of its bytes.
+    if (item.sourceIconData) {
+        if (const auto icon = m_icons.constFind(*item.sourceIconData); icon != m_icons.cend())
+            item.sourceIconData = *icon;
+        else
+            m_icons.insert(*item.sourceIconData);
     }
+    m_rowCache.insert(item.id, new SimpleClipboardItem(item));
 }
 
 void ClipboardHistoryListModel::readAheadSlice() {
@@ -98,8 +112,7 @@ void ClipboardHistoryListModel::readAheadSlice() {
         read = ids.size();
     } else {
         for (SimpleClipboardItem& item : m_store.items(count, m_readAheadFrom)) {
-            const QUuid id = item.id;
-            m_rowCache.insert(id, new SimpleClipboardItem(std::move(item)));
+            cache(item);
             ++read;
         }
     }

@@ -6,6 +6,7 @@
 #include <QAbstractListModel>
 #include <QCache>
 #include <QImage>
+#include <QSet>
 #include <QTimer>
 #include <QUuid>
 
@@ -18,15 +19,15 @@ class AppModelContainer;
 
 // The history window's rows, newest first, read from the store a page at a time as the list scrolls
 // (never the whole store). With a filter the rows are the given ids, read a page at a time as well.
-// Follows captures and deletions while it lives. While the user reads or types, the rows after
-// those listed are read ahead into a cache: a query one character longer lists mostly entries the
+// Follows captures and deletions while it lives. Once the list is shown, the rows after those
+// listed are read ahead into a cache: a query one character longer lists mostly entries the
 // shorter one listed a little further down, and reading a row (its text is a file of its own) costs
 // tens of microseconds.
 class ClipboardHistoryListModel : public QAbstractListModel {
     Q_OBJECT
 public:
     static constexpr int kPageSize = 20;
-    static constexpr int kReadAhead = 200; // rows after the first page
+    static constexpr int kReadAhead = 100; // rows after those listed
     static constexpr int kReadAheadSlice = 10;
     enum Role { EntryRole = Qt::UserRole, ThumbnailRole, SourceIconRole };
 
@@ -34,6 +35,9 @@ public:
 
     // Lists every entry (nullopt) or only these, newest first. Starts again from the first page.
     void setFilter(std::optional<ClipboardMatches> matches);
+    // Reads the rows after those listed into the cache, in idle slices, until the list changes: for
+    // once the list is shown, so that it is not shown later for it.
+    void readAhead();
     bool isFiltered() const { return m_filter.has_value(); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -56,6 +60,7 @@ private:
     QImage sourceIcon(const QByteArray& png) const;
     std::vector<SimpleClipboardItem> rowsWithIds(const std::vector<QUuid>& ids);
     void cacheRows(const std::vector<QUuid>& ids);
+    void cache(SimpleClipboardItem& item);
     void readAheadSlice();
 
     AppModelContainer& m_store;
@@ -64,6 +69,7 @@ private:
     bool m_exhausted = false;
     mutable QCache<QString, QImage> m_images{200};
     QCache<QUuid, SimpleClipboardItem> m_rowCache{1000};
+    QSet<QByteArray> m_icons; // the source icons of the cached rows, one copy each
     QTimer m_readingAhead;
     int m_readAheadFrom = 0;
 };

@@ -325,9 +325,12 @@ std::optional<KeyboardAppAction> ClipboardHistoryWindow::bindingFor(const KeyEve
 
 bool ClipboardHistoryWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Paint && m_paintMeasure && m_list && watched == m_list->viewport()) {
-        // Read once this paint is done: the time the user waited for the list.
+        // Read once this paint is done: the time the user waited for the list. Then, while the user
+        // reads or types on, the rows the next keystroke may list are read ahead.
         QTimer::singleShot(0, this, [this, measure = std::exchange(m_paintMeasure, nullptr)] {
             *measure = double(m_sincePaintWanted.nsecsElapsed()) / 1e6;
+            if (m_model)
+                m_model->readAhead();
         });
         return false;
     }
