@@ -169,7 +169,7 @@ void AppDelegate::createModules() {
     addModule<PowerManagementScreens>(power);
     addModule<UpdatesModule>(m_environment.value(kUpdateServerVariable));
     addModule<SyncModule>(m_environment.value(SyncAccountStore::kPasswordVariable),
-                          m_environment.value("VELMORA_SYNC_CHECK_SECONDS", "60").toInt());
+                          SyncModule::checkSecondsFrom(m_environment.value("VELMORA_SYNC_CHECK_SECONDS")));
 
     for (auto* record : m_preferences->records())
         connect(record, &CKValueObservableBase::valueChanged, this, &AppDelegate::updateSwallowableChords);

@@ -34,6 +34,21 @@ Json optionalText(const QString& text) {
 
 } // namespace
 
+int SyncModule::checkSecondsFrom(const QString& variable) {
+    if (variable.isEmpty())
+        return kCheckSeconds;
+    bool ok = false;
+    const int seconds = variable.trimmed().toInt(&ok);
+    if (ok && seconds > 0)
+        return seconds;
+    qCWarning(lcSync).noquote() << QStringLiteral(
+                                       "VELMORA_SYNC_CHECK_SECONDS is \"%1\", not a number of seconds; "
+                                       "changes elsewhere are looked for every %2 s")
+                                       .arg(variable)
+                                       .arg(kCheckSeconds);
+    return kCheckSeconds;
+}
+
 SyncModule::SyncModule(AppContext& context, QString passwordFromEnvironment, int checkSeconds)
     : m_context(context), m_accounts(*context.platform.defaults, context.platform.secretStore.get(),
                                      std::move(passwordFromEnvironment)) {

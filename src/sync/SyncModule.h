@@ -20,6 +20,9 @@ class SyncModule final : public QObject, public Module {
     Q_OBJECT
 public:
     static constexpr int kCheckSeconds = 60;
+    // The check interval given in the environment (VELMORA_SYNC_CHECK_SECONDS): kCheckSeconds when
+    // unset, and when not a whole number of seconds above zero, which is logged.
+    static int checkSecondsFrom(const QString& variable);
 
     // passwordFromEnvironment: VELMORA_SYNC_PASSWORD; checkSeconds: how often the cloud is looked at.
     SyncModule(AppContext& context, QString passwordFromEnvironment, int checkSeconds = kCheckSeconds);

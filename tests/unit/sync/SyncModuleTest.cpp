@@ -30,6 +30,13 @@ struct SyncingAgent : FakeAgent {
 
 } // namespace
 
+TEST(SyncModule, ACheckIntervalThatIsNoNumberOfSecondsIsReportedAndTheMinuteKept) {
+    EXPECT_EQ(SyncModule::checkSecondsFrom(""), SyncModule::kCheckSeconds);
+    EXPECT_EQ(SyncModule::checkSecondsFrom(" 2 "), 2);
+    for (const char* bad : {"abc", "0", "-5", "1.5"})
+        EXPECT_EQ(SyncModule::checkSecondsFrom(bad), SyncModule::kCheckSeconds) << bad;
+}
+
 TEST(SyncModule, WithoutAnAccountNothingIsSentAnywhere) {
     SyncingAgent agent;
     agent.setSpacing(2);
