@@ -676,14 +676,8 @@ std::vector<SimpleClipboardItem> AppModelContainer::items(int limit, int offset)
         qCWarning(lcClipboard).noquote() << QStringLiteral("items(): %1").arg(query->lastError().text());
         return result;
     }
-    while (query->next()) {
-        ClipboardItemRow row = ClipboardItemRow::read(*query);
-        if (row.plainTextFile) {
-            if (const auto text = readExternal(*row.plainTextFile))
-                row.item.plainText = QString::fromUtf8(*text);
-        }
-        result.push_back(std::move(row.item));
-    }
+    while (query->next())
+        result.push_back(listedItem(*query));
     query->finish();
     return result;
 }
@@ -733,13 +727,9 @@ std::vector<SimpleClipboardItem> AppModelContainer::itemsWithIds(const std::vect
         if (!query->exec())
             error = query->lastError().text();
         while (query->next()) {
-            ClipboardItemRow row = ClipboardItemRow::read(*query);
-            if (row.plainTextFile) {
-                if (const auto text = readExternal(*row.plainTextFile))
-                    row.item.plainText = QString::fromUtf8(*text);
-            }
-            const QUuid id = row.item.id;
-            found.insert(id, std::move(row.item));
+            SimpleClipboardItem item = listedItem(*query);
+            const QUuid id = item.id;
+            found.insert(id, std::move(item));
         }
         query->finish();
     }
@@ -881,6 +871,15 @@ std::optional<QStringList> AppModelContainer::filesOfItems(const std::optional<Q
     if (id && !found)
         return std::nullopt; // no such item: nothing to report beyond the false
     return files;
+}
+
+SimpleClipboardItem AppModelContainer::listedItem(const QSqlQuery& query) const {
+    ClipboardItemRow row = ClipboardItemRow::read(query);
+    if (row.plainTextFile) {
+        if (const auto text = readExternal(*row.plainTextFile))
+            row.item.plainText = QString::fromUtf8(*text);
+    }
+    return std::move(row.item);
 }
 
 std::optional<QByteArray> AppModelContainer::readExternal(const QString& name) const {

@@ -117,6 +117,9 @@ private:
     std::optional<SimpleClipboardPayload> loadPayload(const QUuid& id) const;
     std::optional<QStringList> filesOfItems(const std::optional<QUuid>& id, QString* error) const;
     std::optional<QByteArray> readExternal(const QString& name) const;
+    // The item of the query's current row as lists show it: its values without the external ones,
+    // the plain text excepted.
+    SimpleClipboardItem listedItem(const QSqlQuery& query) const;
     bool deleteItems(const QList<QUuid>& ids, const char* function);
 
     QString m_folder;
