@@ -1,8 +1,19 @@
 #include "AgentUnderTest.h"
 
+#include <iostream>
+
 bool AgentUnderTest::start() {
     m_process = m_desktop.start(VELMORA_BINARY, {});
-    return waitUntil([this] { return json({"status"}).has_value(); });
+    VirtualDesktop::Output last;
+    if (waitUntil([&] { return (last = command({"status"})).exitCode == 0; }, 20000))
+        return true;
+    // Say why, or a failed start on a loaded machine leaves nothing to go on.
+    std::cerr << "The agent did not answer: " << (isRunning() ? "it is still running" : "it has ended")
+              << "; the last status said " << last.exitCode << " " << last.err.toStdString() << "\n"
+              << "The agent printed:\n"
+              << output().toStdString() << QString::fromUtf8(m_process->readAllStandardError()).toStdString()
+              << std::endl;
+    return false;
 }
 
 VirtualDesktop::Output AgentUnderTest::command(const QStringList& args) const {
