@@ -29,6 +29,11 @@ StandardWindowController::StandardWindowController(const KeyboardLayout& layout,
     : QObject(parent), m_layout(layout), m_title(std::move(title)), m_preset(std::move(preset)),
       m_content(std::move(content)) {}
 
+StandardWindowController::~StandardWindowController() {
+    if (m_keepPanel && m_window) // nothing else owns a kept panel
+        delete m_window.data();
+}
+
 void StandardWindowController::show(std::optional<Rect> frame) {
     assertMainThread("StandardWindowController::show");
     if (!m_window)
@@ -42,8 +47,18 @@ void StandardWindowController::show(std::optional<Rect> frame) {
 
 void StandardWindowController::close() {
     assertMainThread("StandardWindowController::close");
-    if (m_window)
+    if (!m_window)
+        return;
+    if (!m_keepPanel) {
         m_window->close();
+        return;
+    }
+    if (!m_window->isVisible())
+        return;
+    m_lastFrame = Rect::fromQRect(m_window->geometry());
+    m_window->hide();
+    if (onClose)
+        onClose();
 }
 
 void StandardWindowController::createWindow() {

@@ -31,7 +31,8 @@ struct StandardWindowPreset {
     static StandardWindowPreset welcomeWindow();
 };
 
-// Owns one panel: creates it on first show, drops it on every close, remembers its last frame.
+// Owns one panel: creates it on first show, drops it on every close, remembers its last frame. A
+// panel that opens often and must appear at once can instead be kept (hidden) between closes.
 class StandardWindowController : public QObject {
     Q_OBJECT
 public:
@@ -39,12 +40,16 @@ public:
 
     StandardWindowController(const KeyboardLayout& layout, std::optional<QString> title,
                              StandardWindowPreset preset, ContentFactory content, QObject* parent = nullptr);
+    ~StandardWindowController() override;
 
     // Creates the panel if needed, sets its frame (top-left space) when one is given, brings it to the
     // front and gives it the keyboard.
     void show(std::optional<Rect> frame = std::nullopt);
     void close();
-    bool isShown() const { return m_window != nullptr; }
+    bool isShown() const { return m_window && m_window->isVisible(); }
+    // From now on a close hides the panel and the next show brings the same one back, with its
+    // content as it was left: no new window, no new backing store to fault in.
+    void keepPanelWhenClosed() { m_keepPanel = true; }
 
     StandardWindow* window() const { return m_window; }
     const StandardWindowPreset& preset() const { return m_preset; }
@@ -62,6 +67,7 @@ private:
     ContentFactory m_content;
     QPointer<StandardWindow> m_window;
     std::optional<Rect> m_lastFrame;
+    bool m_keepPanel = false;
 };
 
 } // namespace velmora

@@ -14,6 +14,7 @@
 
 #include <QGuiApplication>
 #include <QUuid>
+#include <QWindow>
 
 namespace velmora {
 
@@ -47,8 +48,11 @@ ClipboardHistoryModule::ClipboardHistoryModule(AppContext& context, AppModelCont
     if (m_store)
         m_search = std::make_unique<ClipboardSearchModel>(*m_store);
     if (m_store && platform.pasteboard && platform.workspace && platform.inputTap) {
+        // Qt lets go of a hidden window's focus only ~100 ms later (it waits for the focus to land
+        // on another of its windows), so a window that is no longer shown no longer counts.
         m_paster = std::make_unique<ClipboardPaster>(*platform.inputTap, *platform.workspace, [] {
-            return QGuiApplication::focusWindow() != nullptr;
+            const QWindow* focused = QGuiApplication::focusWindow();
+            return focused && focused->isVisible();
         });
         m_actions = std::make_unique<ClipboardHistory>(*m_store, *platform.pasteboard, m_model.get(),
                                                        *m_paster, platform.opener.get());

@@ -44,13 +44,16 @@ protected:
     void copyThree() {
         for (const char* text : {"first line", "second line", "third line"}) {
             const int before = entries(agent);
-            QFile f(files.filePath("copy"));
-            ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-            f.write(text);
-            f.close();
-            ASSERT_EQ(desktop.run("xclip", {"-selection", "clipboard", "-i", f.fileName()}).exitCode, 0);
+            copy(text);
             ASSERT_TRUE(waitUntil([&] { return entries(agent) == before + 1; })) << text;
         }
+    }
+    void copy(const char* text) {
+        QFile f(files.filePath("copy"));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text);
+        f.close();
+        ASSERT_EQ(desktop.run("xclip", {"-selection", "clipboard", "-i", f.fileName()}).exitCode, 0);
     }
     void key(const QString& chord) { desktop.run("xdotool", {"key", chord}); }
     bool waitForWindow(const std::function<bool(const Json&)>& condition) {
@@ -113,6 +116,35 @@ TEST_F(ClipboardHistoryWindow, TypingSearchesAndDeletingFromTheResultsLeavesTheR
         << window(agent).dump(1);
     key("Escape");
     ASSERT_TRUE(waitForWindow([](const Json& w) { return !w["open"].get<bool>(); }));
+}
+
+// The panel is kept between openings: opened again it is as new, and while closed it is in front of
+// nothing, even where the window manager has no other window to name.
+TEST_F(ClipboardHistoryWindow, OpenedAgainItIsAsNewAndClosedItIsTheSourceOfNoCopy) {
+    copyThree();
+    openHistory();
+    desktop.run("xdotool", {"type", "third"});
+    ASSERT_TRUE(waitForWindow([](const Json& w) { return w["rowCount"] == 1; })) << window(agent).dump(1);
+    key("Escape");
+    key("Escape");
+    ASSERT_TRUE(waitForWindow([](const Json& w) { return !w["open"].get<bool>(); }));
+    copy("fourth line");
+    ASSERT_TRUE(waitUntil([&] { return entries(agent) == 4; }));
+    openHistory();
+    Json w = window(agent);
+    EXPECT_EQ(w["search"], "");
+    EXPECT_EQ(w["rowCount"], 4);
+    EXPECT_EQ(w["selected"], 0);
+    EXPECT_EQ(w["rows"][0]["plainText"], "fourth line");
+
+    editor.process()->kill();
+    editor.process()->waitForFinished(5000);
+    key("Escape");
+    ASSERT_TRUE(waitForWindow([](const Json& w) { return !w["open"].get<bool>(); }));
+    copy("copied with nothing in front");
+    QThread::msleep(700);
+    for (const auto& entry : agent.json({"clipboard", "list", "--limit", "100"}).value_or(Json::array()))
+        EXPECT_NE(entry["sourceAppName"], "Velmora") << entry.dump();
 }
 
 TEST_F(ClipboardHistoryWindow, SpaceOpensThePreviewAndPressedAgainClosesIt) {

@@ -158,7 +158,8 @@ X11Workspace::WindowFacts* X11Workspace::activeFacts() {
     WindowFacts* facts = factsOf(*window);
     if (!facts || (facts->titleStale && !read(*window, *facts, true)))
         return gone();
-    return facts;
+    // A hidden window the window manager still names (it names none other) is not in front.
+    return facts->viewable ? facts : nullptr;
 }
 
 X11Workspace::WindowFacts* X11Workspace::factsOf(xcb_window_t window) {
@@ -257,6 +258,8 @@ bool X11Workspace::read(xcb_window_t window, WindowFacts& facts, bool titleOnly)
     else
         facts.title.reset();
     facts.titleStale = false;
+    if (exists)
+        facts.viewable = exists->map_state == XCB_MAP_STATE_VIEWABLE;
     if (titleOnly)
         return bool(exists);
 

@@ -43,6 +43,7 @@ private:
         QString wmInstance;
         QString wmClass;
         bool isDesktop = false;
+        bool viewable = false; // mapped, and so are its ancestors
         std::optional<QString> title;
         bool titleStale = false;
         std::optional<ApplicationIdentity> identity;

@@ -12,7 +12,8 @@ ClipboardHistoryListModel::ClipboardHistoryListModel(AppModelContainer& store, Q
     connect(&m_store, &AppModelContainer::itemsRemoved, this, &ClipboardHistoryListModel::removed);
     connect(&m_store, &AppModelContainer::allRemoved, this, [this] {
         m_rowCache.clear();
-        reload();
+        if (!m_released)
+            reload();
     });
     m_readingAhead.setInterval(0);
     connect(&m_readingAhead, &QTimer::timeout, this, &ClipboardHistoryListModel::readAheadSlice);
@@ -25,6 +26,7 @@ void ClipboardHistoryListModel::setFilter(std::optional<ClipboardMatches> matche
 }
 
 void ClipboardHistoryListModel::reload() {
+    m_released = false;
     beginResetModel();
     m_rows.clear();
     m_exhausted = false;
@@ -32,6 +34,20 @@ void ClipboardHistoryListModel::reload() {
     fetchMore({});
     m_readingAhead.stop();
     m_readAheadFrom = int(m_rows.size());
+}
+
+void ClipboardHistoryListModel::release() {
+    m_readingAhead.stop();
+    beginResetModel();
+    m_filter.reset();
+    m_rows.clear();
+    m_exhausted = true;
+    m_released = true;
+    endResetModel();
+    m_rowCache.clear();
+    m_images.clear();
+    m_icons.clear();
+    m_readAheadFrom = 0;
 }
 
 void ClipboardHistoryListModel::readAhead() {
@@ -172,7 +188,7 @@ QImage ClipboardHistoryListModel::image(const QUuid& id, const QString& kind) co
 
 void ClipboardHistoryListModel::added(const SimpleClipboardItem& item) {
     // A filtered list is refreshed by its owner, which knows whether the new entry matches.
-    if (m_filter)
+    if (m_filter || m_released)
         return;
     SimpleClipboardItem row = item;
     row.payload.reset();
@@ -186,6 +202,8 @@ void ClipboardHistoryListModel::added(const SimpleClipboardItem& item) {
 }
 
 void ClipboardHistoryListModel::removed(const QList<QUuid>& ids) {
+    if (m_released)
+        return;
     for (const QUuid& id : ids) {
         m_rowCache.remove(id); // the filter reads its pages from the search, which follows too
         const int row = rowOf(id);

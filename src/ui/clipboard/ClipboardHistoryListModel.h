@@ -39,6 +39,9 @@ public:
     // once the list is shown, so that it is not shown later for it.
     void readAhead();
     bool isFiltered() const { return m_filter.has_value(); }
+    // Lists nothing and lets go of every row and image read, while the window is closed; setFilter
+    // lists again.
+    void release();
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -67,6 +70,7 @@ private:
     std::optional<ClipboardMatches> m_filter;
     std::vector<SimpleClipboardItem> m_rows;
     bool m_exhausted = false;
+    bool m_released = false;
     mutable QCache<QString, QImage> m_images{200};
     QCache<QUuid, SimpleClipboardItem> m_rowCache{1000};
     QSet<QByteArray> m_icons; // the source icons of the cached rows, one copy each

@@ -66,6 +66,8 @@ ClipboardHistoryWindow::ClipboardHistoryWindow(AppModelContainer& store, Clipboa
     m_controller = new StandardWindowController(
         layout, QStringLiteral("Clipboard History"), StandardWindowPreset::dropDownPanel(),
         [this]() -> QWidget* { return m_content ? m_content.data() : new QWidget(); }, this);
+    // The panel opens many times a day and must appear at once: it is kept, hidden, between uses.
+    m_controller->keepPanelWhenClosed();
     m_controller->onClose = [this] { panelClosed(); };
     m_actions.closeWindow = [this] { close(); };
     m_actions.quickLook = [this](const SimpleClipboardItem& entry) {
@@ -125,7 +127,10 @@ void ClipboardHistoryWindow::open() {
     const auto focused = m_workspace.focusedWindow();
     m_pasteTarget = focused ? std::optional(focused->id) : std::nullopt;
     m_query.clear();
-    m_content = buildContent();
+    if (m_controller->window() && m_content)
+        resetContent();
+    else
+        m_content = buildContent();
     select(0);
     updateEmptyState();
 
@@ -183,14 +188,14 @@ QWidget* ClipboardHistoryWindow::buildContent() {
     m_empty->hide();
     layout->addWidget(m_empty, 1);
 
-    auto* hints = new QLabel(hintsText());
-    hints->setObjectName("clipboardHistoryHints");
-    hints->setWordWrap(true);
-    hints->setForegroundRole(QPalette::PlaceholderText);
-    QFont small = hints->font();
+    m_hints = new QLabel(hintsText());
+    m_hints->setObjectName("clipboardHistoryHints");
+    m_hints->setWordWrap(true);
+    m_hints->setForegroundRole(QPalette::PlaceholderText);
+    QFont small = m_hints->font();
     small.setPointSizeF(small.pointSizeF() * 0.85);
-    hints->setFont(small);
-    layout->addWidget(hints);
+    m_hints->setFont(small);
+    layout->addWidget(m_hints);
 
     connect(m_searchField, &QLineEdit::textChanged, this, &ClipboardHistoryWindow::searchChanged);
     connect(m_list, &QListView::clicked, this, [this](const QModelIndex& index) { select(index.row()); });
@@ -204,6 +209,17 @@ QWidget* ClipboardHistoryWindow::buildContent() {
         updateEmptyState();
     });
     return content;
+}
+
+// The kept panel as a fresh one would be: no search, the newest entries, the current key hints.
+void ClipboardHistoryWindow::resetContent() {
+    {
+        const QSignalBlocker quiet(m_searchField);
+        m_searchField->clear();
+    }
+    m_model->setFilter(std::nullopt);
+    m_list->scrollToTop();
+    m_hints->setText(hintsText());
 }
 
 QString ClipboardHistoryWindow::hintsText() const {
@@ -373,10 +389,15 @@ void ClipboardHistoryWindow::panelClosed() {
     if (!m_query.isEmpty() && m_search)
         m_search(QString()); // the search's memory goes with the panel
     m_query.clear();
+    if (m_controller->window()) { // kept for the next opening, without the rows it read
+        m_model->release();
+        return;
+    }
     m_model = nullptr;
     m_searchField = nullptr;
     m_list = nullptr;
     m_empty = nullptr;
+    m_hints = nullptr;
     m_content = nullptr;
 }
 

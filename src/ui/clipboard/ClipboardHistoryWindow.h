@@ -71,6 +71,7 @@ protected:
 
 private:
     QWidget* buildContent();
+    void resetContent();
     QString hintsText() const;
     void searchChanged(const QString& text);
     void refreshFilter();
@@ -97,6 +98,7 @@ private:
     QPointer<QLineEdit> m_searchField;
     QPointer<QListView> m_list;
     QPointer<QLabel> m_empty;
+    QPointer<QLabel> m_hints;
     ClipboardHistoryListModel* m_model = nullptr;
     bool m_forwarding = false;
 

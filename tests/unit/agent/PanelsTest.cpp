@@ -93,6 +93,42 @@ TEST(StandardWindowController, MakesAFreshPanelOnEveryShowAndRemembersTheLastFra
     EXPECT_EQ(closes, 2);
 }
 
+TEST(StandardWindowController, AKeptPanelIsHiddenOnCloseAndShownAgainUnlessClosedFromOutside) {
+    FakeKeyboardLayout layout;
+    int closes = 0;
+    auto controller = std::make_unique<StandardWindowController>(
+        layout, QString("Test"), StandardWindowPreset::dropDownPanel(), [] { return new QWidget(); });
+    controller->keepPanelWhenClosed();
+    controller->onClose = [&] { ++closes; };
+
+    controller->show(Rect{100, 50, 240, 400});
+    QPointer<StandardWindow> kept = controller->window();
+    controller->close();
+    controller->close(); // already closed: nothing more
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_EQ(closes, 1);
+    EXPECT_EQ(controller->lastFrame(), (Rect{100, 50, 240, 400}));
+    ASSERT_FALSE(kept.isNull());
+    EXPECT_FALSE(kept->isVisible());
+
+    controller->show();
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_EQ(controller->window(), kept.data());
+
+    // Closed by the window manager, the panel goes; the next show makes a fresh one.
+    kept->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(kept.isNull());
+    EXPECT_EQ(closes, 2);
+    controller->show();
+    QPointer<StandardWindow> fresh = controller->window();
+    ASSERT_FALSE(fresh.isNull());
+    controller->close();
+    controller.reset();
+    EXPECT_TRUE(fresh.isNull());
+}
+
 TEST(AppDelegate, StartsInItsFixedOrder) {
     FakePlatform fake;
     AppDelegate app(fake.platform, QProcessEnvironment());

@@ -108,6 +108,31 @@ TEST(ClipboardHistoryWindow, TypingSearchesAndTheListFollowsCapturesAndDeletions
     EXPECT_FALSE(w.window->isOpen());
 }
 
+TEST(ClipboardHistoryWindow, OpensAgainAsNewWithWhatWasCopiedWhileItWasClosed) {
+    Window w(30);
+    w.window->open();
+    QWidget* panel = w.window->panel();
+    w.press(Qt::Key_2, "2");
+    w.window->trigger(KeyboardAppAction::clipboardNext);
+    ASSERT_EQ(w.window->rowCount(), 12);
+    w.window->close();
+
+    SimpleClipboardItem fresh;
+    fresh.timestamp = 1'700'000'000'500;
+    fresh.plainText = "copied while closed";
+    ASSERT_TRUE(w.store.persistItem(fresh));
+    ASSERT_TRUE(w.store.deleteItem(w.store.items(1, 1).front().id)); // "entry 29"
+
+    w.window->open();
+    EXPECT_EQ(w.window->panel(), panel); // the same panel, shown again
+    EXPECT_EQ(w.window->searchText(), "");
+    EXPECT_EQ(panel->findChild<QLineEdit*>("clipboardHistorySearch")->text(), "");
+    EXPECT_EQ(w.window->rowCount(), ClipboardHistoryListModel::kPageSize);
+    EXPECT_EQ(w.window->selectedRow(), 0);
+    EXPECT_EQ(w.text(0), "copied while closed");
+    EXPECT_EQ(w.text(1), "entry 28");
+}
+
 TEST(ClipboardHistoryWindow, PasteGoesToTheWindowInFrontWhenItOpenedAndClosesIt) {
     Window w(3);
     w.window->open();
