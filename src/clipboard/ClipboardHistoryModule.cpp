@@ -54,6 +54,9 @@ ClipboardHistoryModule::ClipboardHistoryModule(AppContext& context, AppModelCont
             const QWindow* focused = QGuiApplication::focusWindow();
             return focused && focused->isVisible();
         });
+        m_paster->clipboardPending = [pasteboard = platform.pasteboard.get()] {
+            return pasteboard->isWritePending();
+        };
         m_actions = std::make_unique<ClipboardHistory>(*m_store, *platform.pasteboard, m_model.get(),
                                                        *m_paster, platform.opener.get());
     }

@@ -98,7 +98,8 @@ void ClipboardPaster::paste(std::optional<quint32> target) {
 void ClipboardPaster::poll() {
     const auto focused = m_workspace.focusedWindow();
     const bool ours = m_ownWindowFocused && m_ownWindowFocused();
-    const bool ready = focused && !ours && (!m_target || focused->id == *m_target);
+    const bool pending = clipboardPending && clipboardPending();
+    const bool ready = focused && !ours && (!m_target || focused->id == *m_target) && !pending;
     if (ready) {
         if (!m_tap.postKeyChord(chordFor(*focused)))
             finish(false, "this desktop does not let the agent type");
@@ -109,7 +110,9 @@ void ClipboardPaster::poll() {
     m_waitedMs += kPollMs;
     if (m_waitedMs < kFocusWaitMs)
         return;
-    if (!focused)
+    if (pending)
+        finish(false, "the clipboard was not taken in time");
+    else if (!focused)
         finish(false, "no window has the keyboard focus");
     else if (ours)
         finish(false, "a Velmora window kept the keyboard focus");

@@ -31,6 +31,9 @@ public:
     // Pastes into `target` once it is focused again, or without a target into whichever window has
     // the focus once the agent's own windows let go of it. A paste asked while one waits replaces it.
     void paste(std::optional<quint32> target);
+    // Whether what was just written to the clipboard is not in effect yet: the chord waits for it,
+    // or the target would paste what was there before.
+    std::function<bool()> clipboardPending;
     bool isWaiting() const { return m_timer.isActive(); }
 
     static bool isTerminal(const FocusedWindow& window);

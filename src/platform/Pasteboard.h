@@ -63,6 +63,9 @@ public:
     virtual std::vector<PasteboardItem> items() const = 0;
     // Takes the clipboard with these items (each representation under its type). Counts as a change.
     virtual bool write(const std::vector<PasteboardItem>& items) = 0;
+    // Whether the last write is not in effect yet: a program that reads the clipboard now would
+    // still get what was there before. Backends that write at once never are.
+    virtual bool isWritePending() const { return false; }
     // When on, the clipboard keeps the newest content after its owner goes away (the backend asks
     // contentToKeep() for it). Off leaves the clipboard empty as the owner left it.
     virtual void setKeepsContentAlive(bool on) = 0;

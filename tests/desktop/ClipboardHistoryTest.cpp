@@ -134,7 +134,8 @@ TEST_F(ClipboardHistory, AConcealedCopyIsNotRecordedAndACopyOutlivesItsProgram) 
     TestWindow copier(desktop, "Copier",
                       {"--copy", "text/plain=" + writeFile(files, "note", "call the bank")});
     ASSERT_TRUE(waitUntil([&] { return copier.output().contains("copied"); }));
-    ASSERT_TRUE(newestWhen(agent, [](const Json& e) { return e["plainText"] == "call the bank"; }));
+    ASSERT_TRUE(newestWhen(agent, [](const Json& e) { return e["plainText"] == "call the bank"; }))
+        << history(agent).dump(1) << agent.output().toStdString();
     for (const auto& entry : history(agent))
         EXPECT_NE(entry["plainText"], "hunter2");
 
@@ -217,7 +218,10 @@ TEST_F(ClipboardHistory, AFiftyMegabyteImageArrivesInPiecesWhileTheAgentKeepsAns
     EXPECT_EQ((*image)["pngBytes"], size);
     EXPECT_EQ((*image)["width"], 4200);
     const QString copy = files.filePath("back.png");
-    desktop.run("sh", {"-c", "\"$0\" clipboard get \"$1\" --type image/png > \"$2\"", VELMORA_BINARY,
-                       idOf(*image), copy});
+    // 50 MB through the agent's socket and a pipe: on a busy machine that takes more than seconds.
+    desktop.run(
+        "sh",
+        {"-c", "\"$0\" clipboard get \"$1\" --type image/png > \"$2\"", VELMORA_BINARY, idOf(*image), copy},
+        60000);
     EXPECT_EQ(QFile(copy).size(), size);
 }

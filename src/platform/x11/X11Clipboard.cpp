@@ -36,9 +36,13 @@ void X11Clipboard::contentArrived(std::vector<PasteboardItem> items) {
 bool X11Clipboard::write(const std::vector<PasteboardItem>& items) {
     m_items = items;
     ++m_changeCount;
-    m_worker->own(items);
+    m_lastWrite = m_worker->own(items);
     emit changed();
     return true;
+}
+
+bool X11Clipboard::isWritePending() const {
+    return m_worker->ownsDone() < m_lastWrite;
 }
 
 void X11Clipboard::ownerLeft() {

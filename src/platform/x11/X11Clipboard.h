@@ -22,6 +22,7 @@ public:
     std::vector<PasteboardItem> items() const override { return m_items; }
     bool write(const std::vector<PasteboardItem>& items) override;
     void setKeepsContentAlive(bool on) override { m_keepAlive = on; }
+    bool isWritePending() const override;
 
 private:
     void contentArrived(std::vector<PasteboardItem> items);
@@ -31,6 +32,7 @@ private:
     qint64 m_changeCount = 0;
     std::vector<PasteboardItem> m_items;
     bool m_keepAlive = true;
+    std::uint64_t m_lastWrite = 0; // its number in the worker's line
 };
 
 } // namespace velmora

@@ -4,6 +4,7 @@
 #include "platform/x11/X11Log.h"
 #include "platform/x11/XcbPtr.h"
 
+#include <limits>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -62,12 +63,18 @@ X11SelectionWorker::~X11SelectionWorker() {
         close(m_wakeFd);
 }
 
-void X11SelectionWorker::own(std::vector<PasteboardItem> items) {
+std::uint64_t X11SelectionWorker::own(std::vector<PasteboardItem> items) {
+    const std::uint64_t ticket = ++m_ownsAsked;
+    if (!m_thread.joinable()) { // no worker: nothing to wait for
+        m_ownsDone = ticket;
+        return ticket;
+    }
     {
         std::lock_guard lock(m_mutex);
         m_toOwn.push_back(std::move(items));
     }
     wake();
+    return ticket;
 }
 
 void X11SelectionWorker::wake() {
@@ -125,6 +132,7 @@ void X11SelectionWorker::run() {
         runCommands();
         if (m_x.hasError()) {
             qCWarning(lcX11) << "The clipboard's X connection was lost: copies are no longer recorded.";
+            m_ownsDone = std::numeric_limits<std::uint64_t>::max(); // nothing is waited for any more
             return;
         }
         if (!m_pending.empty())
@@ -146,6 +154,7 @@ void X11SelectionWorker::runCommands() {
     }
     if (!commands.empty())
         takeSelection(std::move(commands.back()));
+    m_ownsDone += commands.size();
 }
 
 bool X11SelectionWorker::isOwnerChange(const xcb_generic_event_t* e) const {

@@ -38,7 +38,11 @@ public:
 
     // Velmora becomes the owner and serves these items until another program takes the clipboard.
     // Returns at once; the worker takes the selection on its own thread.
-    void own(std::vector<PasteboardItem> items);
+    // Its number in line: the call is done with once ownsDone() reaches it. Main thread.
+    std::uint64_t own(std::vector<PasteboardItem> items);
+    // How many own() calls are done with (the selection taken, or found not to be takable); all of
+    // them once the worker has stopped. Any thread.
+    std::uint64_t ownsDone() const { return m_ownsDone; }
 
     static constexpr std::chrono::milliseconds kTargetTimeout{1000};
     // The first question to a new owner waits longer: a program that copies while it starts up may
@@ -91,6 +95,8 @@ private:
     std::mutex m_mutex;
     std::vector<std::vector<PasteboardItem>> m_toOwn;
     std::atomic<bool> m_stop{false};
+    std::uint64_t m_ownsAsked = 0;
+    std::atomic<std::uint64_t> m_ownsDone{0};
     int m_wakeFd = -1;
     std::thread m_thread;
 };

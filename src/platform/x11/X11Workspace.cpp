@@ -159,7 +159,7 @@ X11Workspace::WindowFacts* X11Workspace::activeFacts() {
     if (!facts || (facts->titleStale && !read(*window, *facts, true)))
         return gone();
     // A hidden window the window manager still names (it names none other) is not in front.
-    return facts->viewable ? facts : nullptr;
+    return facts->mapped ? facts : nullptr;
 }
 
 X11Workspace::WindowFacts* X11Workspace::factsOf(xcb_window_t window) {
@@ -259,7 +259,7 @@ bool X11Workspace::read(xcb_window_t window, WindowFacts& facts, bool titleOnly)
         facts.title.reset();
     facts.titleStale = false;
     if (exists)
-        facts.viewable = exists->map_state == XCB_MAP_STATE_VIEWABLE;
+        facts.mapped = exists->map_state != XCB_MAP_STATE_UNMAPPED;
     if (titleOnly)
         return bool(exists);
 

@@ -43,7 +43,9 @@ private:
         QString wmInstance;
         QString wmClass;
         bool isDesktop = false;
-        bool viewable = false; // mapped, and so are its ancestors
+        // Mapped itself. Whether its frame is mapped too (viewable) is not asked: no event on the
+        // window tells when that changes.
+        bool mapped = false;
         std::optional<QString> title;
         bool titleStale = false;
         std::optional<ApplicationIdentity> identity;

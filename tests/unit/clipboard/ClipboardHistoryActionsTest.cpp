@@ -194,6 +194,28 @@ TEST(ClipboardPaster, WaitsForTheTargetToHaveTheFocusAndGivesUpWithoutTypingElse
     EXPECT_FALSE(finished[2][0].toBool());
 }
 
+// Typed before the clipboard is ours, the chord would paste what another program copied earlier.
+TEST(ClipboardPaster, WaitsUntilTheClipboardWriteIsInEffect) {
+    Actions a;
+    bool pending = true;
+    a.paster.clipboardPending = [&] { return pending; };
+    QSignalSpy finished(&a.paster, &ClipboardPaster::finished);
+    a.paster.paste(42);
+    QTest::qWait(3 * ClipboardPaster::kPollMs);
+    EXPECT_TRUE(a.fake.inputTap->posted.empty());
+    pending = false;
+    QTRY_COMPARE(finished.size(), 1);
+    EXPECT_TRUE(finished[0][0].toBool());
+    EXPECT_EQ(a.fake.inputTap->posted.size(), 1u);
+
+    pending = true; // and it never comes into effect
+    a.paster.paste(42);
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 3000);
+    EXPECT_FALSE(finished[1][0].toBool());
+    EXPECT_EQ(finished[1][1].toString(), "the clipboard was not taken in time");
+    EXPECT_EQ(a.fake.inputTap->posted.size(), 1u);
+}
+
 TEST(ClipboardPaster, TerminalsTakeCtrlShiftV) {
     for (const auto& [instance, cls] :
          std::vector<std::pair<QString, QString>>{{"xterm", "XTerm"},
