@@ -1,5 +1,7 @@
 #include "TestWindow.h"
 
+#include <QThread>
+
 TestWindow::TestWindow(VirtualDesktop& desktop, const QString& title, const QStringList& extraArgs)
     : m_desktop(desktop), m_title(title) {
     m_process = desktop.start(TESTWIN_BINARY, QStringList{"--title", title} + extraArgs);
@@ -15,7 +17,14 @@ bool TestWindow::waitUntilMapped() {
 }
 
 void TestWindow::activate() const {
-    m_desktop.run("xdotool", {"windowactivate", "--sync", m_windowId});
+    // The window manager may still be handing the focus to a window mapped a moment ago, after this
+    // one was activated: activated again until it stays.
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        m_desktop.run("xdotool", {"windowactivate", "--sync", m_windowId});
+        QThread::msleep(50);
+        if (m_desktop.run("xdotool", {"getactivewindow"}).out.trimmed() == m_windowId)
+            return;
+    }
 }
 
 QString TestWindow::output() {
