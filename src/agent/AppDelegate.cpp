@@ -49,10 +49,12 @@ qint64 nowMs() {
 
 AppDelegate::AppDelegate(Platform& platform, QProcessEnvironment environment, QObject* parent)
     : QObject(parent), m_platform(platform), m_environment(std::move(environment)), m_createdAtMs(nowMs()),
-      m_logging([this] { return m_preferences && m_preferences->local.developerLogsEnabled(); }),
+      m_logging(
+          [this] { return m_preferencesForLogs && m_preferencesForLogs->local.developerLogsEnabled(); }),
       m_dispatcher(m_logging) {}
 
 AppDelegate::~AppDelegate() {
+    m_preferencesForLogs = nullptr; // the clipboard store, destroyed after them, may still log
     delete m_preferencesWindow;
 }
 
@@ -103,6 +105,7 @@ void AppDelegate::openClipboardStore() {
 
 void AppDelegate::createPreferences() {
     m_preferences = std::make_unique<UserPreferences>(*m_platform.defaults, m_logging);
+    m_preferencesForLogs = m_preferences.get();
     m_startupSteps << "preferences";
 }
 

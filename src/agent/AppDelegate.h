@@ -95,6 +95,10 @@ private:
     QProcessEnvironment m_environment;
     qint64 m_createdAtMs;
     QStringList m_startupSteps;
+    // What the logging asks whether developer logs are on. It asks from its first message on, and
+    // the router replays messages logged before the agent was made while it is being made, when
+    // m_preferences (declared after it) is not constructed yet: this pointer is, and is null.
+    UserPreferences* m_preferencesForLogs = nullptr;
     LoggingManager m_logging;
     LogRouter m_logRouter{m_logging};
     AppActionDispatcher m_dispatcher;

@@ -7,8 +7,14 @@ bool AgentUnderTest::start() {
     VirtualDesktop::Output last;
     if (waitUntil([&] { return (last = command({"status"})).exitCode == 0; }, 20000))
         return true;
-    // Say why, or a failed start on a loaded machine leaves nothing to go on.
-    std::cerr << "The agent did not answer: " << (isRunning() ? "it is still running" : "it has ended")
+    // Say why, or a failed start on a loaded machine leaves nothing to go on. Without an event loop
+    // the process's end is only noticed while waiting for it.
+    m_process->waitForFinished(200);
+    const bool crashed = !isRunning() && m_process->exitStatus() == QProcess::CrashExit;
+    std::cerr << "The agent did not answer: "
+              << (isRunning() ? "it is still running"
+                  : crashed   ? "it crashed"
+                              : "it has ended with " + std::to_string(m_process->exitCode()))
               << "; the last status said " << last.exitCode << " " << last.err.toStdString() << "\n"
               << "The agent printed:\n"
               << output().toStdString() << QString::fromUtf8(m_process->readAllStandardError()).toStdString()
